@@ -1,0 +1,33 @@
+# Two commands do all set-up on a fresh machine:
+#   make run   builds Quillon and starts it (under Xvfb with a tray host when there is no display)
+#   make test  builds with warnings as errors and runs every test
+JOBS ?= $(shell nproc)
+RELEASE_DIR := build/release
+DEBUG_DIR := build/debug
+
+.PHONY: run test deps build-release build-debug bench clean
+
+deps:
+	@bash scripts/install-deps
+
+build-release: deps
+	cmake -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release -DQUILLON_BUILD_TESTS=OFF
+	cmake --build $(RELEASE_DIR) -j $(JOBS)
+
+build-debug: deps
+	cmake -S . -B $(DEBUG_DIR) -DCMAKE_BUILD_TYPE=Debug -DQUILLON_WERROR=ON
+	cmake --build $(DEBUG_DIR) -j $(JOBS)
+
+run: build-release
+	@bash scripts/run-quillon $(RELEASE_DIR)/bin/quillon
+
+test: build-debug
+	ctest --test-dir $(DEBUG_DIR) --output-on-failure -j $(JOBS)
+
+bench: deps
+	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DQUILLON_BUILD_TESTS=OFF
+	cmake --build build/bench -j $(JOBS)
+	@for b in build/bench/bench/*; do [ -x "$$b" ] && "$$b" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true; done; true
+
+clean:
+	rm -rf build

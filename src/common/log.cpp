@@ -1,0 +1,3 @@
+#include "common/log.h"
+
+Q_LOGGING_CATEGORY(lcApp, "app.quillon.Quillon.app")

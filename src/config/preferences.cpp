@@ -1,0 +1,43 @@
+#include "config/preferences.h"
+
+#include "common/log.h"
+
+Preferences::Preferences()
+    : m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillon"),
+                                             QStringLiteral("Quillon")))
+{
+}
+
+Preferences::Preferences(const QString &filePath)
+    : m_settings(std::make_unique<QSettings>(filePath, QSettings::IniFormat))
+{
+}
+
+QVariant Preferences::value(const QString &key) const
+{
+    return m_settings->value(key);
+}
+
+bool Preferences::contains(const QString &key) const
+{
+    return m_settings->contains(key);
+}
+
+void Preferences::setValue(const QString &key, const QVariant &value)
+{
+    m_settings->setValue(key, value);
+    m_settings->sync();
+    if (m_settings->status() != QSettings::NoError)
+        qCWarning(lcApp, "Preferences %s could not be written", qUtf8Printable(m_settings->fileName()));
+}
+
+void Preferences::remove(const QString &key)
+{
+    m_settings->remove(key);
+    m_settings->sync();
+}
+
+QString Preferences::fileName() const
+{
+    return m_settings->fileName();
+}
