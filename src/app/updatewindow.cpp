@@ -1,0 +1,111 @@
+#include "app/updatewindow.h"
+
+#include <QDialogButtonBox>
+#include <QIcon>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+UpdateWindow::UpdateWindow(QString currentVersion, Open open, QWidget *parent)
+    : QWidget(parent, Qt::Window)
+    , m_currentVersion(std::move(currentVersion))
+    , m_open(std::move(open))
+    , m_headline(new QLabel(this))
+    , m_detail(new QLabel(this))
+    , m_progress(new QProgressBar(this))
+    , m_notes(new QTextBrowser(this))
+    , m_download(new QPushButton(tr("Download"), this))
+    , m_close(new QPushButton(tr("Close"), this))
+{
+    setWindowTitle(tr("Software Update"));
+    setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    setMinimumWidth(420);
+
+    QFont bold = m_headline->font();
+    bold.setBold(true);
+    bold.setPointSizeF(bold.pointSizeF() * 1.15);
+    m_headline->setFont(bold);
+    m_detail->setWordWrap(true);
+    m_progress->setRange(0, 0);
+    m_notes->setOpenExternalLinks(false);
+    m_notes->setOpenLinks(false);
+    connect(m_notes, &QTextBrowser::anchorClicked, this, [this](const QUrl &url) { m_open(url); });
+    m_notes->setMinimumHeight(160);
+
+    auto *buttons = new QDialogButtonBox(this);
+    buttons->addButton(m_download, QDialogButtonBox::AcceptRole);
+    buttons->addButton(m_close, QDialogButtonBox::RejectRole);
+    connect(m_download, &QPushButton::clicked, this, [this] {
+        m_open(m_downloadURL);
+        close();
+    });
+    connect(m_close, &QPushButton::clicked, this, &QWidget::close);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_headline);
+    layout->addWidget(m_detail);
+    layout->addWidget(m_progress);
+    layout->addWidget(m_notes, 1);
+    layout->addWidget(buttons);
+}
+
+QString UpdateWindow::headline() const
+{
+    return m_headline->text();
+}
+
+void UpdateWindow::showChecking()
+{
+    m_headline->setText(tr("Checking for updates…"));
+    m_detail->clear();
+    m_progress->show();
+    m_notes->hide();
+    m_download->hide();
+    m_close->setText(tr("Cancel"));
+    present();
+}
+
+void UpdateWindow::showResult(const UpdateCheckResult &result)
+{
+    m_progress->hide();
+    m_close->setText(tr("Close"));
+    m_notes->hide();
+    m_download->hide();
+    if (const auto *found = std::get_if<UpdateFound>(&result)) {
+        const AppcastItem &item = found->item;
+        m_headline->setText(tr("Quillon %1 is available").arg(item.shortVersion));
+        m_detail->setText(tr("You have version %1.").arg(m_currentVersion));
+        QString notes = item.description;
+        if (item.releaseNotesURL.isValid() && !item.releaseNotesURL.isEmpty())
+            notes += QStringLiteral("<p><a href=\"%1\">%2</a></p>")
+                         .arg(item.releaseNotesURL.toString(QUrl::FullyEncoded).toHtmlEscaped(), tr("Release notes"));
+        if (!notes.isEmpty()) {
+            m_notes->setHtml(notes);
+            m_notes->show();
+        }
+        // The download itself, else the page that describes the release.
+        m_downloadURL = !item.downloadURL.isEmpty() ? item.downloadURL
+            : !item.infoURL.isEmpty()               ? item.infoURL
+                                                    : item.releaseNotesURL;
+        m_download->setVisible(!m_downloadURL.isEmpty());
+        m_close->setText(tr("Later"));
+    } else if (std::holds_alternative<UpToDate>(result)) {
+        m_headline->setText(tr("You’re up to date!"));
+        m_detail->setText(tr("Quillon %1 is the newest version available.").arg(m_currentVersion));
+    } else {
+        m_headline->setText(tr("Update check failed"));
+        m_detail->setText(std::get<CheckFailed>(result).error);
+    }
+    present();
+}
+
+void UpdateWindow::present()
+{
+    adjustSize();
+    show();
+    raise();
+    activateWindow();
+}
