@@ -1,0 +1,105 @@
+#include "sources/appcategories.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <gio/gio.h>
+
+#include <array>
+#include <memory>
+#include <optional>
+
+namespace {
+
+struct CategoryFiles {
+    const char *gnome;
+    const char *kde;
+    const char *englishName;
+    const char *icon;
+};
+
+// Indexed by AppCategory. GNOME's names come from gnome-menus, KDE's from
+// plasma-workspace (kf5- on Plasma 5, kf6- on Plasma 6).
+constexpr std::array<CategoryFiles, 12> categoryFiles{{
+    {"AudioVideo", "multimedia", "Sound & Video", "applications-multimedia"},
+    {"Development", "development", "Programming", "applications-development"},
+    {"Education", "education", "Education", "applications-education"},
+    {"Game", "games", "Games", "applications-games"},
+    {"Graphics", "graphics", "Graphics", "applications-graphics"},
+    {"Network", "internet", "Internet", "applications-internet"},
+    {"Office", "office", "Office", "applications-office"},
+    {"GnomeScience", "science", "Science", "applications-science"},
+    {"Settings", "settingsmenu", "Settings", "preferences-desktop"},
+    {"System-Tools", "system", "System Tools", "applications-system"},
+    {"Utility", "utilities", "Accessories", "applications-utilities"},
+    {"X-GNOME-Other", "unknown", "Other", "applications-other"},
+}};
+
+struct KeyFileDeleter {
+    void operator()(GKeyFile *file) const { g_key_file_free(file); }
+};
+
+QString takeString(gchar *value)
+{
+    const QString result = QString::fromUtf8(value);
+    g_free(value);
+    return result;
+}
+
+std::optional<CategoryFolder> readDirectoryFile(const QString &path)
+{
+    std::unique_ptr<GKeyFile, KeyFileDeleter> file(g_key_file_new());
+    if (!g_key_file_load_from_file(file.get(), QFile::encodeName(path).constData(), G_KEY_FILE_NONE, nullptr))
+        return std::nullopt;
+    const char *group = G_KEY_FILE_DESKTOP_GROUP;
+    // The current locale's Name, with the usual fallbacks down to plain Name.
+    const QString name = takeString(g_key_file_get_locale_string(file.get(), group, "Name", nullptr, nullptr));
+    if (name.isEmpty())
+        return std::nullopt;
+    const QString icon = takeString(g_key_file_get_locale_string(file.get(), group, "Icon", nullptr, nullptr));
+    return CategoryFolder{name, QUrl::fromLocalFile(path), icon};
+}
+
+} // namespace
+
+AppCategory mainCategory(const QStringList &categories)
+{
+    for (const QString &category : categories) {
+        // Audio and Video are main categories that imply AudioVideo.
+        if (category == QLatin1String("Audio") || category == QLatin1String("Video"))
+            return AppCategory::AudioVideo;
+        if (const auto main = enumFromString<AppCategory>(category); main && *main != AppCategory::Other)
+            return *main;
+    }
+    return AppCategory::Other;
+}
+
+CategoryNames::CategoryNames(const QStringList &dataDirs, const QStringList &desktops)
+    : m_preferKde(desktops.contains(QLatin1String("KDE")))
+{
+    for (const QString &dir : dataDirs)
+        m_directoryDirs.append(dir + QLatin1String("/desktop-directories/"));
+}
+
+CategoryFolder CategoryNames::folder(AppCategory category) const
+{
+    const CategoryFiles &files = categoryFiles[size_t(category)];
+    const QString gnome = QLatin1String(files.gnome) + QLatin1String(".directory");
+    const QString kde = QLatin1String(files.kde) + QLatin1String(".directory");
+    QStringList candidates{gnome, QLatin1String("kf6-") + kde, QLatin1String("kf5-") + kde};
+    if (m_preferKde)
+        candidates.move(0, 2);
+
+    for (const QString &file : std::as_const(candidates)) {
+        // The first data directory holding the file wins, as for desktop entries.
+        for (const QString &dir : m_directoryDirs) {
+            const QString path = dir + file;
+            if (!QFileInfo::exists(path))
+                continue;
+            if (auto folder = readDirectoryFile(path))
+                return *folder;
+            break;
+        }
+    }
+    return CategoryFolder{QString::fromUtf8(files.englishName), QUrl(), QLatin1String(files.icon)};
+}
