@@ -2,9 +2,9 @@
 
 #include "sources/appcategories.h"
 #include "sources/desktopentries.h"
+#include "sources/naturalorder.h"
 #include "sources/xdgdirs.h"
 
-#include <QCollator>
 #include <QHash>
 #include <QMap>
 #include <QSet>
@@ -43,9 +43,7 @@ namespace {
 
 void sortByName(QList<AppEntry> &entries)
 {
-    QCollator collator;
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    const QCollator collator = naturalOrder();
     std::sort(entries.begin(), entries.end(), [&collator](const AppEntry &a, const AppEntry &b) {
         return collator.compare(a.name(), b.name()) < 0;
     });

@@ -2,8 +2,8 @@
 
 #include "common/log.h"
 #include "sources/dirreader.h"
+#include "sources/naturalorder.h"
 
-#include <QCollator>
 #include <QFile>
 #include <QSet>
 
@@ -122,9 +122,7 @@ std::vector<qsizetype> firstInOrder(const QList<Child> &children, FolderSort sor
     const auto middle = order.begin() + count;
 
     if (sort == FolderSort::Name) {
-        QCollator collator;
-        collator.setNumericMode(true);
-        collator.setCaseSensitivity(Qt::CaseInsensitive);
+        const QCollator collator = naturalOrder();
         std::partial_sort(order.begin(), middle, order.end(), [&](qsizetype a, qsizetype b) {
             const int result = collator.compare(children[a].name, children[b].name);
             // Names equal but for case still list the same way every time.
