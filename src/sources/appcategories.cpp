@@ -3,7 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <gio/gio.h>
+#include <glib.h>
 
 #include <array>
 #include <memory>

@@ -5,7 +5,7 @@
 #include <QFile>
 #include <QSet>
 
-#include <gio/gdesktopappinfo.h>
+#include <glib.h>
 
 #include <algorithm>
 #include <memory>
@@ -13,10 +13,6 @@
 #include <utility>
 
 namespace {
-
-struct ObjectUnref {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
 
 struct DesktopFile {
     QString id;
@@ -52,6 +48,12 @@ void collectDesktopFiles(const QByteArray &dirPath, const QString &idPrefix, int
     }
 }
 
+struct KeyFileDeleter {
+    void operator()(GKeyFile *file) const { g_key_file_free(file); }
+};
+
+constexpr const char *group = G_KEY_FILE_DESKTOP_GROUP;
+
 QString takeString(char *value)
 {
     const QString result = QString::fromUtf8(value);
@@ -59,21 +61,54 @@ QString takeString(char *value)
     return result;
 }
 
-QStringList takeStringList(char **values)
+QStringList stringList(GKeyFile *file, const char *key)
 {
     QStringList result;
+    if (!g_key_file_has_key(file, group, key, nullptr))
+        return result;
+    char **values = g_key_file_get_string_list(file, group, key, nullptr, nullptr);
     for (char **value = values; value && *value; ++value)
         result.append(QString::fromUtf8(*value));
     g_strfreev(values);
     return result;
 }
 
+bool boolean(GKeyFile *file, const char *key)
+{
+    return g_key_file_has_key(file, group, key, nullptr) && g_key_file_get_boolean(file, group, key, nullptr);
+}
+
+QByteArray string(GKeyFile *file, const char *key)
+{
+    if (!g_key_file_has_key(file, group, key, nullptr))
+        return {};
+    char *value = g_key_file_get_string(file, group, key, nullptr);
+    const QByteArray result(value);
+    g_free(value);
+    return result;
+}
+
+// Key[locale] for the user's languages, best match first, then plain Key.
+// GKeyFile has this too, but it builds an error message for every locale it
+// does not find, which dominates a scan of many entries.
+QString localeString(GKeyFile *file, const char *key)
+{
+    for (const char *const *language = g_get_language_names(); *language; ++language) {
+        if (qstrcmp(*language, "C") == 0)
+            continue;
+        const QByteArray localized = QByteArray(key) + '[' + *language + ']';
+        if (g_key_file_has_key(file, group, localized.constData(), nullptr))
+            return takeString(g_key_file_get_locale_string(file, group, key, *language, nullptr));
+    }
+    return QString::fromUtf8(string(file, key));
+}
+
 // The first current desktop named in OnlyShowIn or NotShowIn decides; when
 // none is named, an OnlyShowIn list hides the entry.
-bool showsIn(GDesktopAppInfo *info, const QStringList &desktops)
+bool showsIn(GKeyFile *file, const QStringList &desktops)
 {
-    const QStringList onlyShowIn = takeStringList(g_desktop_app_info_get_string_list(info, "OnlyShowIn", nullptr));
-    const QStringList notShowIn = takeStringList(g_desktop_app_info_get_string_list(info, "NotShowIn", nullptr));
+    const QStringList onlyShowIn = stringList(file, "OnlyShowIn");
+    const QStringList notShowIn = stringList(file, "NotShowIn");
     for (const QString &desktop : desktops) {
         if (onlyShowIn.contains(desktop))
             return true;
@@ -83,11 +118,22 @@ bool showsIn(GDesktopAppInfo *info, const QStringList &desktops)
     return onlyShowIn.isEmpty();
 }
 
+// TryExec names a program by absolute path or one to find on PATH.
+bool tryExecFound(GKeyFile *file)
+{
+    const QByteArray tryExec = string(file, "TryExec");
+    if (tryExec.isEmpty())
+        return true;
+    char *program = g_find_program_in_path(tryExec.constData());
+    g_free(program);
+    return program != nullptr;
+}
+
 // Icon is a theme name or an absolute path. Old entries add an image
 // extension to theme names, which theme lookups do not expect.
-QString iconName(GDesktopAppInfo *info)
+QString iconName(GKeyFile *file)
 {
-    QString icon = takeString(g_desktop_app_info_get_locale_string(info, "Icon"));
+    QString icon = localeString(file, "Icon");
     if (!icon.startsWith(QLatin1Char('/'))) {
         for (const char *extension : {".png", ".xpm", ".svg"}) {
             if (icon.endsWith(QLatin1String(extension))) {
@@ -101,23 +147,22 @@ QString iconName(GDesktopAppInfo *info)
 
 std::optional<DesktopApp> readDesktopApp(const QByteArray &path, const QStringList &desktops)
 {
-    // Loading fails for entries that are not applications and for those whose
-    // TryExec program cannot be found.
-    std::unique_ptr<GDesktopAppInfo, ObjectUnref> info(g_desktop_app_info_new_from_filename(path.constData()));
-    if (!info)
-        return std::nullopt;
-    if (g_desktop_app_info_get_is_hidden(info.get()) || g_desktop_app_info_get_nodisplay(info.get())
-        || !showsIn(info.get(), desktops)) {
+    // Without KEEP_TRANSLATIONS only the user's languages are kept, which
+    // makes loading entries with hundreds of translations cheaper.
+    std::unique_ptr<GKeyFile, KeyFileDeleter> file(g_key_file_new());
+    if (!g_key_file_load_from_file(file.get(), path.constData(), G_KEY_FILE_NONE, nullptr)
+        || !g_key_file_has_group(file.get(), group)) {
         return std::nullopt;
     }
-
-    const QString name = QString::fromUtf8(g_app_info_get_name(G_APP_INFO(info.get())));
+    if (string(file.get(), "Type") != G_KEY_FILE_DESKTOP_TYPE_APPLICATION || boolean(file.get(), "Hidden")
+        || boolean(file.get(), "NoDisplay") || !showsIn(file.get(), desktops) || !tryExecFound(file.get())) {
+        return std::nullopt;
+    }
+    const QString name = localeString(file.get(), "Name");
     if (name.isEmpty())
         return std::nullopt;
-    const QStringList categories = QString::fromUtf8(g_desktop_app_info_get_categories(info.get()))
-                                       .split(QLatin1Char(';'), Qt::SkipEmptyParts);
-    return DesktopApp{name, QUrl::fromLocalFile(QFile::decodeName(path)), iconName(info.get()),
-                      mainCategory(categories)};
+    return DesktopApp{name, QUrl::fromLocalFile(QFile::decodeName(path)), iconName(file.get()),
+                      mainCategory(stringList(file.get(), "Categories"))};
 }
 
 } // namespace
