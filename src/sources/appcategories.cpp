@@ -1,12 +1,11 @@
 #include "sources/appcategories.h"
 
+#include "sources/desktopentryfile.h"
+
 #include <QFile>
 #include <QFileInfo>
 
-#include <glib.h>
-
 #include <array>
-#include <memory>
 #include <optional>
 
 namespace {
@@ -35,29 +34,15 @@ constexpr std::array<CategoryFiles, 12> categoryFiles{{
     {"X-GNOME-Other", "unknown", "Other", "applications-other"},
 }};
 
-struct KeyFileDeleter {
-    void operator()(GKeyFile *file) const { g_key_file_free(file); }
-};
-
-QString takeString(gchar *value)
-{
-    const QString result = QString::fromUtf8(value);
-    g_free(value);
-    return result;
-}
-
 std::optional<CategoryFolder> readDirectoryFile(const QString &path)
 {
-    std::unique_ptr<GKeyFile, KeyFileDeleter> file(g_key_file_new());
-    if (!g_key_file_load_from_file(file.get(), QFile::encodeName(path).constData(), G_KEY_FILE_NONE, nullptr))
+    const auto file = DesktopEntryFile::load(QFile::encodeName(path));
+    if (!file)
         return std::nullopt;
-    const char *group = G_KEY_FILE_DESKTOP_GROUP;
-    // The current locale's Name, with the usual fallbacks down to plain Name.
-    const QString name = takeString(g_key_file_get_locale_string(file.get(), group, "Name", nullptr, nullptr));
+    const QString name = file->localeString("Name");
     if (name.isEmpty())
         return std::nullopt;
-    const QString icon = takeString(g_key_file_get_locale_string(file.get(), group, "Icon", nullptr, nullptr));
-    return CategoryFolder{name, QUrl::fromLocalFile(path), icon};
+    return CategoryFolder{name, QUrl::fromLocalFile(path), file->localeString("Icon")};
 }
 
 } // namespace
