@@ -2,6 +2,7 @@
 
 #include "sources/desktopentryfile.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -20,19 +21,20 @@ struct CategoryFiles {
 // Indexed by AppCategory. GNOME's names come from gnome-menus, KDE's from
 // plasma-workspace (kf5- on Plasma 5, kf6- on Plasma 6).
 constexpr std::array<CategoryFiles, 12> categoryFiles{{
-    {"AudioVideo", "multimedia", "Sound & Video", "applications-multimedia"},
-    {"Development", "development", "Programming", "applications-development"},
-    {"Education", "education", "Education", "applications-education"},
-    {"Game", "games", "Games", "applications-games"},
-    {"Graphics", "graphics", "Graphics", "applications-graphics"},
-    {"Network", "internet", "Internet", "applications-internet"},
-    {"Office", "office", "Office", "applications-office"},
-    {"GnomeScience", "science", "Science", "applications-science"},
-    {"Settings", "settingsmenu", "Settings", "preferences-desktop"},
-    {"System-Tools", "system", "System Tools", "applications-system"},
-    {"Utility", "utilities", "Accessories", "applications-utilities"},
-    {"X-GNOME-Other", "unknown", "Other", "applications-other"},
+    {"AudioVideo", "multimedia", QT_TRANSLATE_NOOP("AppCategory", "Sound & Video"), "applications-multimedia"},
+    {"Development", "development", QT_TRANSLATE_NOOP("AppCategory", "Programming"), "applications-development"},
+    {"Education", "education", QT_TRANSLATE_NOOP("AppCategory", "Education"), "applications-education"},
+    {"Game", "games", QT_TRANSLATE_NOOP("AppCategory", "Games"), "applications-games"},
+    {"Graphics", "graphics", QT_TRANSLATE_NOOP("AppCategory", "Graphics"), "applications-graphics"},
+    {"Network", "internet", QT_TRANSLATE_NOOP("AppCategory", "Internet"), "applications-internet"},
+    {"Office", "office", QT_TRANSLATE_NOOP("AppCategory", "Office"), "applications-office"},
+    {"GnomeScience", "science", QT_TRANSLATE_NOOP("AppCategory", "Science"), "applications-science"},
+    {"Settings", "settingsmenu", QT_TRANSLATE_NOOP("AppCategory", "Settings"), "preferences-desktop"},
+    {"System-Tools", "system", QT_TRANSLATE_NOOP("AppCategory", "System Tools"), "applications-system"},
+    {"Utility", "utilities", QT_TRANSLATE_NOOP("AppCategory", "Accessories"), "applications-utilities"},
+    {"X-GNOME-Other", "unknown", QT_TRANSLATE_NOOP("AppCategory", "Other"), "applications-other"},
 }};
+static_assert(categoryFiles.size() == EnumCases<AppCategory>::cases.size());
 
 std::optional<CategoryFolder> readDirectoryFile(const QString &path)
 {
@@ -86,5 +88,5 @@ CategoryFolder CategoryNames::folder(AppCategory category) const
             break;
         }
     }
-    return CategoryFolder{QString::fromUtf8(files.englishName), QUrl(), QLatin1String(files.icon)};
+    return CategoryFolder{QCoreApplication::translate("AppCategory", files.englishName), QUrl(), QLatin1String(files.icon)};
 }

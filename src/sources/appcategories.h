@@ -56,7 +56,8 @@ struct CategoryFolder {
 
 // Names category folders from the desktop's own .directory files, found in
 // the desktop-directories folder of each data directory. The current desktop's
-// files are preferred; English names stand in when no file is installed.
+// files are preferred; English names (translated where Quillon has a
+// translation) stand in when no file is installed.
 class CategoryNames
 {
 public:
