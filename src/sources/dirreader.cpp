@@ -1,0 +1,58 @@
+#include "sources/dirreader.h"
+
+#include "common/log.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+DirReader::DirReader(const QByteArray &path, MissingIs missing)
+    : m_dir(opendir(path.constData()))
+{
+    if (m_dir)
+        return;
+    const int error = errno;
+    if (missing == MissingIs::Silent && (error == ENOENT || error == ENOTDIR))
+        return;
+    qCWarning(lcApp, "%s could not be read: %s", qUtf8Printable(QFile::decodeName(path)),
+              qUtf8Printable(qt_error_string(error)));
+}
+
+DirReader::~DirReader()
+{
+    if (m_dir)
+        closedir(m_dir);
+}
+
+bool DirReader::next(Entry &entry)
+{
+    if (!m_dir)
+        return false;
+    while (const dirent *found = readdir(m_dir)) {
+        const char *name = found->d_name;
+        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
+            continue;
+        entry.name = name;
+        entry.type = found->d_type;
+        return true;
+    }
+    return false;
+}
+
+bool DirReader::isDirectory(const Entry &entry) const
+{
+    if (entry.type == DT_DIR)
+        return true;
+    if (entry.type != DT_LNK && entry.type != DT_UNKNOWN)
+        return false;
+    struct stat info;
+    return fstatat(fd(), entry.name, &info, 0) == 0 && S_ISDIR(info.st_mode);
+}
+
+int DirReader::fd() const
+{
+    return m_dir ? dirfd(m_dir) : -1;
+}
