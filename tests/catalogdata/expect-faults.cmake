@@ -13,6 +13,7 @@ set(expected
   "pane \"sound\": required key \"sections\" is missing"
   "items\\[0\\]: kind \"tabs\" is not one of"
   "items\\[1\\]: 2 labelRefs for a label of 1 part"
+  "items\\[1\\]: url \"settings://gnome/sound/input\" does not lie under its pane's"
   "pane \"display\" nameRef: key \"Display\" does not match its English text \"Displays\""
   "pane \"keyboard\" nameRef: key \"_Keyboard\" carries a mnemonic underscore"
   "pane \"mouse\": symbolBackground must be a list of colours of three numbers"
