@@ -1,0 +1,1 @@
+"""The checks behind tools/catalog-audit."""
