@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+// One script or one sub-folder of the scripts folder.
+struct ScriptEntry {
+    QString name;
+    QString id;
+    QString path;
+    bool operator==(const ScriptEntry &) const = default;
+};
+
+// The user's scripts folder: every executable file is a shortcut, every
+// sub-folder (one level deep) a folder of shortcuts. Identifiers are derived
+// from the path inside the folder, so they survive restarts and moves of the
+// whole folder. Listings are sorted by name in the user's locale.
+class ScriptFolder
+{
+public:
+    explicit ScriptFolder(QString root);
+
+    // $XDG_DATA_HOME/quillon/shortcuts.
+    static QString defaultRoot();
+    // The upper-case name-based UUID of a path relative to the root.
+    static QString identifier(const QString &relativePath);
+    // A file name without its interpreter extension ("Backup.sh" → "Backup").
+    static QString displayName(const QString &fileName);
+
+    const QString &root() const { return m_root; }
+    QList<ScriptEntry> folders() const;
+    // The scripts directly inside the root (no folder).
+    QList<ScriptEntry> unfiledShortcuts() const;
+    QList<ScriptEntry> shortcuts(const ScriptEntry &folder) const;
+    // Every script, filed or not.
+    QList<ScriptEntry> allShortcuts() const;
+
+private:
+    QList<ScriptEntry> scripts(const QString &relativeDir) const;
+
+    QString m_root;
+};
