@@ -9,7 +9,7 @@ QString layoutText(const MenuStore &store)
 {
     QString text;
     for (const auto &entry : store.layout()) {
-        text += toString(entry.style) + QLatin1Char('\t')
+        text += enumToString(entry.style) + QLatin1Char('\t')
             + QString::fromUtf8(QJsonDocument(encode(entry.source)).toJson(QJsonDocument::Compact)) + QLatin1Char('\n');
     }
     return text;

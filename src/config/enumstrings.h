@@ -6,6 +6,7 @@
 
 #include <array>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 // Explicit string conversions for payload-free enumerations. Each enumeration
@@ -14,8 +15,13 @@
 template<typename E>
 struct EnumCases;
 
+// Only enumerations that list their cases take part. The names avoid plain
+// toString, which Qt Test looks up for every compared value.
 template<typename E>
-QString toString(E value)
+concept NamedEnum = std::is_enum_v<E> && requires { EnumCases<E>::cases; };
+
+template<NamedEnum E>
+QString enumToString(E value)
 {
     for (const auto &[item, name] : EnumCases<E>::cases) {
         if (item == value)
@@ -24,7 +30,7 @@ QString toString(E value)
     return {};
 }
 
-template<typename E>
+template<NamedEnum E>
 std::optional<E> enumFromString(QStringView text)
 {
     for (const auto &[item, name] : EnumCases<E>::cases) {
@@ -34,7 +40,7 @@ std::optional<E> enumFromString(QStringView text)
     return std::nullopt;
 }
 
-template<typename E>
+template<NamedEnum E>
 QList<E> allCases()
 {
     QList<E> result;

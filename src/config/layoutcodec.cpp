@@ -92,7 +92,7 @@ QJsonObject encode(const MenuSource &source)
         inner.insert(payloadKey, encodeUuid(*id));
     else if (const auto ref = source.shortcutRef())
         inner.insert(payloadKey, encode(*ref));
-    return {{toString(source.kind()), inner}};
+    return {{enumToString(source.kind()), inner}};
 }
 
 QJsonObject encode(const LayoutEntry &entry)
@@ -235,14 +235,14 @@ Decoded<MenuSource> decode(const QJsonValue &json)
     if (recognised != 1)
         return Decoded<MenuSource>::failure(QStringLiteral("Invalid number of keys found, expected one."));
 
-    const QJsonValue inner = object.value(toString(*found));
+    const QJsonValue inner = object.value(enumToString(*found));
     if (!inner.isObject())
-        return Decoded<MenuSource>::failure(QStringLiteral("\"%1\": expected an object").arg(toString(*found)));
+        return Decoded<MenuSource>::failure(QStringLiteral("\"%1\": expected an object").arg(enumToString(*found)));
     if (!hasPayload(*found))
         return decodePayload(*found, {});
     auto source = decodePayload(*found, inner.toObject());
     if (!source)
-        return Decoded<MenuSource>::failure(QStringLiteral("\"%1\": %2").arg(toString(*found), source.error()));
+        return Decoded<MenuSource>::failure(QStringLiteral("\"%1\": %2").arg(enumToString(*found), source.error()));
     return source;
 }
 

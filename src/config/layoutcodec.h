@@ -15,7 +15,7 @@
 template<typename E>
 QJsonValue encodeEnum(E value)
 {
-    return toString(value);
+    return enumToString(value);
 }
 
 QString encodeUuid(const QUuid &id);

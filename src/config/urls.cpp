@@ -32,11 +32,24 @@ bool isShortcutRunURL(const QUrl &url)
     return shortcutID(url).has_value();
 }
 
+namespace {
+
+// The local path of a file URL; "localhost" names this machine, as an empty
+// host does.
+QString localPath(const QUrl &url)
+{
+    if (url.host().compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0)
+        return url.path(QUrl::FullyDecoded);
+    return url.toLocalFile();
+}
+
+} // namespace
+
 QUrl normalizedURL(const QUrl &url)
 {
     if (!url.isLocalFile())
         return url;
-    QString path = url.toLocalFile();
+    QString path = localPath(url);
     if (path.isEmpty())
         return url;
     const bool directory = path.endsWith(QLatin1Char('/'));
@@ -50,7 +63,7 @@ QUrl normalizedURL(const QUrl &url)
 
 QString comparablePath(const QUrl &url)
 {
-    QString path = url.isLocalFile() ? url.toLocalFile() : url.path(QUrl::FullyDecoded);
+    QString path = url.isLocalFile() ? localPath(url) : url.path(QUrl::FullyDecoded);
     while (path.size() > 1 && path.endsWith(QLatin1Char('/')))
         path.chop(1);
     return path;
