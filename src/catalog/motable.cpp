@@ -12,6 +12,13 @@ constexpr qint64 descriptorSize = 8;
 
 using Table = QHash<QString, QString>;
 
+// A plural entry holds its forms one after another, NUL-separated.
+QByteArray firstPart(const QByteArray &text)
+{
+    const qsizetype end = text.indexOf('\0');
+    return end < 0 ? text : text.first(end);
+}
+
 class MoReader
 {
 public:
@@ -42,9 +49,8 @@ public:
             const auto translation = string(translations + i * descriptorSize);
             if (!original || !translation)
                 return Decoded<Table>::failure(QStringLiteral("string %1 lies outside the file").arg(i));
-            // A plural entry holds its forms one after another, NUL-separated.
-            const QByteArray key = original->left(original->indexOf('\0'));
-            const QByteArray value = translation->left(translation->indexOf('\0'));
+            const QByteArray key = firstPart(*original);
+            const QByteArray value = firstPart(*translation);
             if (key.isEmpty() || value.isEmpty())
                 continue;
             table.insert(QString::fromUtf8(key), QString::fromUtf8(value));
