@@ -25,6 +25,31 @@ QLatin1StringView key(const char *name)
     return QLatin1StringView(name);
 }
 
+// Moves a decoded value into its field, or keeps the failure's description.
+// Chained with &&, the first failure stops the decoding of a record.
+template<typename T>
+bool take(Decoded<T> decoded, T &target, QString &error)
+{
+    if (!decoded) {
+        error = decoded.error();
+        return false;
+    }
+    target = std::move(decoded).value();
+    return true;
+}
+
+template<typename T>
+bool readField(const QJsonObject &o, const char *name, T &target, QString &error)
+{
+    return take(field<T>(o, key(name)), target, error);
+}
+
+template<typename T>
+bool readOptional(const QJsonObject &o, const char *name, std::optional<T> &target, QString &error)
+{
+    return take(optionalField<T>(o, key(name)), target, error);
+}
+
 } // namespace
 
 template<>
@@ -68,17 +93,14 @@ Decoded<SymbolRendering> decode(const QJsonValue &json)
 template<>
 Decoded<StringRef> decode(const QJsonValue &json)
 {
-    using Result = Decoded<StringRef>;
     const auto o = object(json, "a string reference");
     if (!o)
-        return Result::failure(o);
-    auto table = field<QString>(o.value(), key("table"));
-    if (!table)
-        return Result::failure(table);
-    auto stringKey = field<QString>(o.value(), key("key"));
-    if (!stringKey)
-        return Result::failure(stringKey);
-    return StringRef{std::move(table).value(), std::move(stringKey).value()};
+        return Decoded<StringRef>::failure(o);
+    StringRef ref;
+    QString error;
+    if (readField(o.value(), "table", ref.table, error) && readField(o.value(), "key", ref.key, error))
+        return ref;
+    return Decoded<StringRef>::failure(error);
 }
 
 template<>
@@ -95,142 +117,67 @@ Decoded<std::optional<StringRef>> decode(const QJsonValue &json)
 
 Decoded<IconSpec> decodeIconSpec(const QJsonObject &o)
 {
-    using Result = Decoded<IconSpec>;
     IconSpec icon;
-    auto bundlePath = optionalField<QString>(o, key("bundlePath"));
-    if (!bundlePath)
-        return Result::failure(bundlePath);
-    icon.bundlePath = bundlePath.value();
-    auto symbol = optionalField<QString>(o, key("symbol"));
-    if (!symbol)
-        return Result::failure(symbol);
-    icon.symbol = symbol.value();
-    auto background = optionalField<QList<QList<double>>>(o, key("symbolBackground"));
-    if (!background)
-        return Result::failure(background);
-    icon.symbolBackground = background.value();
-    auto rendering = optionalField<SymbolRendering>(o, key("symbolRendering"));
-    if (!rendering)
-        return Result::failure(rendering);
-    icon.symbolRendering = rendering.value();
-    auto color = optionalField<QList<double>>(o, key("symbolColor"));
-    if (!color)
-        return Result::failure(color);
-    icon.symbolColor = color.value();
-    auto mirrored = optionalField<bool>(o, key("symbolMirrored"));
-    if (!mirrored)
-        return Result::failure(mirrored);
-    icon.symbolMirrored = mirrored.value();
-    auto size = optionalField<double>(o, key("symbolSize"));
-    if (!size)
-        return Result::failure(size);
-    icon.symbolSize = size.value();
-    auto isPrivate = optionalField<bool>(o, key("symbolPrivate"));
-    if (!isPrivate)
-        return Result::failure(isPrivate);
-    icon.symbolPrivate = isPrivate.value();
-    auto fallback = optionalField<QString>(o, key("symbolFallback"));
-    if (!fallback)
-        return Result::failure(fallback);
-    icon.symbolFallback = fallback.value();
-    return icon;
+    QString error;
+    if (readOptional(o, "bundlePath", icon.bundlePath, error) && readOptional(o, "symbol", icon.symbol, error)
+        && readOptional(o, "symbolBackground", icon.symbolBackground, error)
+        && readOptional(o, "symbolRendering", icon.symbolRendering, error)
+        && readOptional(o, "symbolColor", icon.symbolColor, error)
+        && readOptional(o, "symbolMirrored", icon.symbolMirrored, error)
+        && readOptional(o, "symbolSize", icon.symbolSize, error)
+        && readOptional(o, "symbolPrivate", icon.symbolPrivate, error)
+        && readOptional(o, "symbolFallback", icon.symbolFallback, error))
+        return icon;
+    return Decoded<IconSpec>::failure(error);
 }
 
 template<>
 Decoded<Item> decode(const QJsonValue &json)
 {
-    using Result = Decoded<Item>;
     const auto o = object(json, "an item");
     if (!o)
-        return Result::failure(o);
+        return Decoded<Item>::failure(o);
     Item item;
-    auto label = field<QString>(o.value(), key("label"));
-    if (!label)
-        return Result::failure(label);
-    item.label = label.value();
-    auto labelRefs = optionalField<QList<std::optional<StringRef>>>(o.value(), key("labelRefs"));
-    if (!labelRefs)
-        return Result::failure(labelRefs);
-    item.labelRefs = labelRefs.value();
-    auto labelSource = optionalField<LabelSource>(o.value(), key("labelSource"));
-    if (!labelSource)
-        return Result::failure(labelSource);
-    item.labelSource = labelSource.value();
-    auto kind = field<Kind>(o.value(), key("kind"));
-    if (!kind)
-        return Result::failure(kind);
-    item.kind = kind.value();
-    auto url = field<QUrl>(o.value(), key("url"));
-    if (!url)
-        return Result::failure(url);
-    item.url = url.value();
-    auto icon = decodeIconSpec(o.value());
-    if (!icon)
-        return Result::failure(icon);
-    item.icon = icon.value();
-    return item;
+    QString error;
+    if (readField(o.value(), "label", item.label, error) && readOptional(o.value(), "labelRefs", item.labelRefs, error)
+        && readOptional(o.value(), "labelSource", item.labelSource, error)
+        && readField(o.value(), "kind", item.kind, error) && readField(o.value(), "url", item.url, error)
+        && take(decodeIconSpec(o.value()), item.icon, error))
+        return item;
+    return Decoded<Item>::failure(error);
 }
 
 template<>
 Decoded<ItemSection> decode(const QJsonValue &json)
 {
-    using Result = Decoded<ItemSection>;
     const auto o = object(json, "a section");
     if (!o)
-        return Result::failure(o);
-    auto title = optionalField<QString>(o.value(), key("title"));
-    if (!title)
-        return Result::failure(title);
-    auto titleRef = optionalField<StringRef>(o.value(), key("titleRef"));
-    if (!titleRef)
-        return Result::failure(titleRef);
-    auto items = field<QList<Item>>(o.value(), key("items"));
-    if (!items)
-        return Result::failure(items);
-    return ItemSection{title.value(), titleRef.value(), std::move(items).value()};
+        return Decoded<ItemSection>::failure(o);
+    ItemSection section;
+    QString error;
+    if (readOptional(o.value(), "title", section.title, error)
+        && readOptional(o.value(), "titleRef", section.titleRef, error)
+        && readField(o.value(), "items", section.items, error))
+        return section;
+    return Decoded<ItemSection>::failure(error);
 }
 
 template<>
 Decoded<Pane> decode(const QJsonValue &json)
 {
-    using Result = Decoded<Pane>;
     const auto o = object(json, "a pane");
     if (!o)
-        return Result::failure(o);
+        return Decoded<Pane>::failure(o);
     Pane pane;
-    auto id = field<QString>(o.value(), key("id"));
-    if (!id)
-        return Result::failure(id);
-    pane.id = id.value();
-    // From here on the pane's id says which pane is broken.
-    const auto failure = [&pane](const QString &error) {
-        return Result::failure(QStringLiteral("pane \"%1\": %2").arg(pane.id, error));
-    };
-    auto name = field<QString>(o.value(), key("name"));
-    if (!name)
-        return failure(name.error());
-    pane.name = name.value();
-    auto nameRef = optionalField<StringRef>(o.value(), key("nameRef"));
-    if (!nameRef)
-        return failure(nameRef.error());
-    pane.nameRef = nameRef.value();
-    auto url = field<QUrl>(o.value(), key("url"));
-    if (!url)
-        return failure(url.error());
-    pane.url = url.value();
-    auto sections = field<QList<ItemSection>>(o.value(), key("sections"));
-    if (!sections)
-        return failure(sections.error());
-    pane.sections = sections.value();
-    auto children = optionalField<QList<QList<QString>>>(o.value(), key("children"));
-    if (!children)
-        return failure(children.error());
-    pane.children = children.value();
-    auto icon = decodeIconSpec(o.value());
-    if (!icon)
-        return failure(icon.error());
-    pane.icon = icon.value();
-    return pane;
+    QString error;
+    if (!readField(o.value(), "id", pane.id, error))
+        return Decoded<Pane>::failure(error);
+    if (readField(o.value(), "name", pane.name, error) && readOptional(o.value(), "nameRef", pane.nameRef, error)
+        && readField(o.value(), "url", pane.url, error) && readField(o.value(), "sections", pane.sections, error)
+        && readOptional(o.value(), "children", pane.children, error) && take(decodeIconSpec(o.value()), pane.icon, error))
+        return pane;
+    // Past its id, the pane's id says which pane is broken.
+    return Decoded<Pane>::failure(QStringLiteral("pane \"%1\": %2").arg(pane.id, error));
 }
 
 namespace {
@@ -260,23 +207,20 @@ Decoded<std::optional<QMap<QString, std::optional<StringRef>>>> decodeStrings(co
 template<>
 Decoded<Catalog> decode(const QJsonValue &json)
 {
-    using Result = Decoded<Catalog>;
     const auto o = object(json, "a catalog");
     if (!o)
-        return Result::failure(o);
-    auto osVersion = field<QString>(o.value(), key("osVersion"));
-    if (!osVersion)
-        return Result::failure(osVersion);
-    auto sections = field<QList<QList<QString>>>(o.value(), key("sections"));
-    if (!sections)
-        return Result::failure(sections);
-    auto panes = field<QList<Pane>>(o.value(), key("panes"));
-    if (!panes)
-        return Result::failure(panes);
+        return Decoded<Catalog>::failure(o);
+    Catalog catalog;
+    QString error;
+    if (!readField(o.value(), "osVersion", catalog.osVersion, error)
+        || !readField(o.value(), "sections", catalog.sections, error)
+        || !readField(o.value(), "panes", catalog.panes, error))
+        return Decoded<Catalog>::failure(error);
     auto strings = decodeStrings(o.value());
     if (!strings)
-        return Result::failure(strings);
-    return Catalog{osVersion.value(), sections.value(), std::move(panes).value(), strings.value()};
+        return Decoded<Catalog>::failure(strings);
+    catalog.strings = strings.value();
+    return catalog;
 }
 
 Decoded<Catalog> decodeCatalog(const QByteArray &document)

@@ -99,27 +99,18 @@ private Q_SLOTS:
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("short header") << good.data.left(27);
         QTest::newRow("truncated strings") << good.data.chopped(3);
-        auto image = good;
-        image.setWord(0, 0x12345678);
-        QTest::newRow("bad magic") << image.data;
-        image = good;
-        image.setWord(4, 0x20000);
-        QTest::newRow("revision 2") << image.data;
-        image = good;
-        image.setWord(8, 0xffffffff);
-        QTest::newRow("huge count") << image.data;
-        image = good;
-        image.setWord(16, 0xfffffff0);
-        QTest::newRow("table beyond the end") << image.data;
-        image = good;
-        image.setWord(28 + 4, 0xfffffffe);
-        QTest::newRow("string offset beyond the end") << image.data;
-        image = good;
-        image.setWord(28, 0xffffffff);
-        QTest::newRow("string length wraps") << image.data;
-        image = good;
-        image.setWord(28, 2);
-        QTest::newRow("string without its NUL") << image.data;
+        const auto damaged = [&good](qsizetype offset, quint32 value) {
+            auto image = good;
+            image.setWord(offset, value);
+            return image.data;
+        };
+        QTest::newRow("bad magic") << damaged(0, 0x12345678);
+        QTest::newRow("revision 2") << damaged(4, 0x20000);
+        QTest::newRow("huge count") << damaged(8, 0xffffffff);
+        QTest::newRow("table beyond the end") << damaged(16, 0xfffffff0);
+        QTest::newRow("string offset beyond the end") << damaged(28 + 4, 0xfffffffe);
+        QTest::newRow("string length wraps") << damaged(28, 0xffffffff);
+        QTest::newRow("string without its NUL") << damaged(28, 2);
     }
 
     void damagedMoFilesAreRefused()
