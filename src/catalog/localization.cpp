@@ -35,7 +35,7 @@ LocaleName parseLocaleName(QString name)
     const qsizetype dot = name.indexOf(u'.');
     if (dot >= 0)
         name.truncate(dot);
-    const QStringList pieces = name.split(QChar(u'_')).join(u'-').split(u'-', Qt::SkipEmptyParts);
+    const QStringList pieces = name.replace(u'_', u'-').split(u'-', Qt::SkipEmptyParts);
     if (pieces.isEmpty())
         return result;
     result.language = pieces.first().toLower();
