@@ -53,9 +53,10 @@ Decoded<DesktopEntryLocalizations> parseDesktopEntryLocalizations(const QByteArr
             continue;
         const QString key = name.first(open).toString();
         const QString locale = name.sliced(open + 1, name.size() - open - 2).toString();
-        if (locale.isEmpty())
-            continue;
-        localizations[locale].insert(key, unescaped(QStringView(line).sliced(equals + 1).trimmed()));
+        const QString value = unescaped(QStringView(line).sliced(equals + 1).trimmed());
+        // An empty translation is no translation.
+        if (!locale.isEmpty() && !value.isEmpty())
+            localizations[locale].insert(key, value);
     }
     if (!seenGroup)
         return Decoded<DesktopEntryLocalizations>::failure(QStringLiteral("no [Desktop Entry] group"));

@@ -2,6 +2,7 @@
 
 #include "config/decoded.h"
 
+#include <QByteArray>
 #include <QHash>
 #include <QString>
 
