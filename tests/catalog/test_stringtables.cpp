@@ -54,6 +54,16 @@ struct MoImage {
     }
 };
 
+// The preferred languages while $LANGUAGE holds the given list.
+QStringList languagesWith(const char *language)
+{
+    const QByteArray saved = qgetenv("LANGUAGE");
+    qputenv("LANGUAGE", language);
+    const QStringList languages = preferredLanguages();
+    qputenv("LANGUAGE", saved);
+    return languages;
+}
+
 SystemStrings::StringsMap stringsMap(std::initializer_list<std::pair<QString, std::optional<StringRef>>> entries)
 {
     SystemStrings::StringsMap map;
@@ -160,11 +170,7 @@ private Q_SLOTS:
 
     void languageListStartsWithLanguageVariable()
     {
-        const QByteArray saved = qgetenv("LANGUAGE");
-        qputenv("LANGUAGE", "de_AT:fr::");
-        const QStringList languages = preferredLanguages();
-        qputenv("LANGUAGE", saved);
-        QCOMPARE(languages.mid(0, 2), (QStringList{"de_AT", "fr"}));
+        QCOMPARE(languagesWith("de_AT:fr::").mid(0, 2), (QStringList{"de_AT", "fr"}));
     }
 
     void desktopEntryTables()
@@ -281,7 +287,7 @@ private Q_SLOTS:
             QSKIP("gnome-control-center-data is not installed");
         const StringRef wifi{gnomeTable, QStringLiteral("Wi-Fi")};
         const StringRef displays{gnomeTable, QStringLiteral("Displays")};
-        SystemStrings german(std::nullopt, {"de"});
+        SystemStrings german(std::nullopt, languagesWith("de"));
         QCOMPARE(german.resolve(QStringLiteral("Wi-Fi"), wifi), QStringLiteral("WLAN"));
         QCOMPARE(german.resolve(QStringLiteral("Displays"), displays), QStringLiteral("Bildschirme"));
         SystemStrings austrian(std::nullopt, {"de-AT"});
