@@ -13,18 +13,6 @@ Decoded<E> decodeCase(const QJsonValue &json, const char *typeName)
     return *value;
 }
 
-Decoded<QJsonObject> object(const QJsonValue &json, const char *what)
-{
-    if (!json.isObject())
-        return Decoded<QJsonObject>::failure(QStringLiteral("expected %1 object").arg(QLatin1String(what)));
-    return json.toObject();
-}
-
-QLatin1StringView key(const char *name)
-{
-    return QLatin1StringView(name);
-}
-
 // Moves a decoded value into its field, or keeps the failure's description.
 // Chained with &&, the first failure stops the decoding of a record.
 template<typename T>
@@ -41,13 +29,26 @@ bool take(Decoded<T> decoded, T &target, QString &error)
 template<typename T>
 bool readField(const QJsonObject &o, const char *name, T &target, QString &error)
 {
-    return take(field<T>(o, key(name)), target, error);
+    return take(field<T>(o, QLatin1StringView(name)), target, error);
 }
 
 template<typename T>
 bool readOptional(const QJsonObject &o, const char *name, std::optional<T> &target, QString &error)
 {
-    return take(optionalField<T>(o, key(name)), target, error);
+    return take(optionalField<T>(o, QLatin1StringView(name)), target, error);
+}
+
+// A record read from one JSON object by fill, which reads its keys in order.
+template<typename T, typename Fill>
+Decoded<T> decodeRecord(const QJsonValue &json, const char *what, Fill fill)
+{
+    if (!json.isObject())
+        return Decoded<T>::failure(QStringLiteral("expected %1 object").arg(QLatin1String(what)));
+    T record;
+    QString error;
+    if (!fill(json.toObject(), record, error))
+        return Decoded<T>::failure(error);
+    return record;
 }
 
 } // namespace
@@ -93,26 +94,37 @@ Decoded<SymbolRendering> decode(const QJsonValue &json)
 template<>
 Decoded<StringRef> decode(const QJsonValue &json)
 {
-    const auto o = object(json, "a string reference");
-    if (!o)
-        return Decoded<StringRef>::failure(o);
-    StringRef ref;
-    QString error;
-    if (readField(o.value(), "table", ref.table, error) && readField(o.value(), "key", ref.key, error))
-        return ref;
-    return Decoded<StringRef>::failure(error);
+    return decodeRecord<StringRef>(json, "a string reference", [](const QJsonObject &o, StringRef &ref, QString &error) {
+        return readField(o, "table", ref.table, error) && readField(o, "key", ref.key, error);
+    });
 }
 
 template<>
 Decoded<std::optional<StringRef>> decode(const QJsonValue &json)
 {
-    using Result = Decoded<std::optional<StringRef>>;
     if (json.isNull())
         return std::optional<StringRef>();
     auto ref = decode<StringRef>(json);
     if (!ref)
-        return Result::failure(ref);
+        return Decoded<std::optional<StringRef>>::failure(ref);
     return std::optional<StringRef>(std::move(ref).value());
+}
+
+template<>
+Decoded<QMap<QString, std::optional<StringRef>>> decode(const QJsonValue &json)
+{
+    using Map = QMap<QString, std::optional<StringRef>>;
+    if (!json.isObject())
+        return Decoded<Map>::failure(QStringLiteral("expected an object"));
+    Map strings;
+    const QJsonObject o = json.toObject();
+    for (auto it = o.constBegin(); it != o.constEnd(); ++it) {
+        auto ref = decode<std::optional<StringRef>>(it.value());
+        if (!ref)
+            return Decoded<Map>::failure(QStringLiteral("\"%1\": %2").arg(it.key(), ref.error()));
+        strings.insert(it.key(), ref.value());
+    }
+    return strings;
 }
 
 Decoded<IconSpec> decodeIconSpec(const QJsonObject &o)
@@ -134,93 +146,45 @@ Decoded<IconSpec> decodeIconSpec(const QJsonObject &o)
 template<>
 Decoded<Item> decode(const QJsonValue &json)
 {
-    const auto o = object(json, "an item");
-    if (!o)
-        return Decoded<Item>::failure(o);
-    Item item;
-    QString error;
-    if (readField(o.value(), "label", item.label, error) && readOptional(o.value(), "labelRefs", item.labelRefs, error)
-        && readOptional(o.value(), "labelSource", item.labelSource, error)
-        && readField(o.value(), "kind", item.kind, error) && readField(o.value(), "url", item.url, error)
-        && take(decodeIconSpec(o.value()), item.icon, error))
-        return item;
-    return Decoded<Item>::failure(error);
+    return decodeRecord<Item>(json, "an item", [](const QJsonObject &o, Item &item, QString &error) {
+        return readField(o, "label", item.label, error) && readOptional(o, "labelRefs", item.labelRefs, error)
+            && readOptional(o, "labelSource", item.labelSource, error) && readField(o, "kind", item.kind, error)
+            && readField(o, "url", item.url, error) && take(decodeIconSpec(o), item.icon, error);
+    });
 }
 
 template<>
 Decoded<ItemSection> decode(const QJsonValue &json)
 {
-    const auto o = object(json, "a section");
-    if (!o)
-        return Decoded<ItemSection>::failure(o);
-    ItemSection section;
-    QString error;
-    if (readOptional(o.value(), "title", section.title, error)
-        && readOptional(o.value(), "titleRef", section.titleRef, error)
-        && readField(o.value(), "items", section.items, error))
-        return section;
-    return Decoded<ItemSection>::failure(error);
+    return decodeRecord<ItemSection>(json, "a section", [](const QJsonObject &o, ItemSection &section, QString &error) {
+        return readOptional(o, "title", section.title, error) && readOptional(o, "titleRef", section.titleRef, error)
+            && readField(o, "items", section.items, error);
+    });
 }
 
 template<>
 Decoded<Pane> decode(const QJsonValue &json)
 {
-    const auto o = object(json, "a pane");
-    if (!o)
-        return Decoded<Pane>::failure(o);
-    Pane pane;
-    QString error;
-    if (!readField(o.value(), "id", pane.id, error))
-        return Decoded<Pane>::failure(error);
-    if (readField(o.value(), "name", pane.name, error) && readOptional(o.value(), "nameRef", pane.nameRef, error)
-        && readField(o.value(), "url", pane.url, error) && readField(o.value(), "sections", pane.sections, error)
-        && readOptional(o.value(), "children", pane.children, error) && take(decodeIconSpec(o.value()), pane.icon, error))
-        return pane;
-    // Past its id, the pane's id says which pane is broken.
-    return Decoded<Pane>::failure(QStringLiteral("pane \"%1\": %2").arg(pane.id, error));
+    return decodeRecord<Pane>(json, "a pane", [](const QJsonObject &o, Pane &pane, QString &error) {
+        if (!readField(o, "id", pane.id, error))
+            return false;
+        if (readField(o, "name", pane.name, error) && readOptional(o, "nameRef", pane.nameRef, error)
+            && readField(o, "url", pane.url, error) && readField(o, "sections", pane.sections, error)
+            && readOptional(o, "children", pane.children, error) && take(decodeIconSpec(o), pane.icon, error))
+            return true;
+        // Past its id, the id says which pane is broken.
+        error = QStringLiteral("pane \"%1\": %2").arg(pane.id, error);
+        return false;
+    });
 }
-
-namespace {
-
-Decoded<std::optional<QMap<QString, std::optional<StringRef>>>> decodeStrings(const QJsonObject &catalog)
-{
-    using Map = QMap<QString, std::optional<StringRef>>;
-    using Result = Decoded<std::optional<Map>>;
-    const QJsonValue json = catalog.value(key("strings"));
-    if (json.isUndefined() || json.isNull())
-        return std::optional<Map>();
-    if (!json.isObject())
-        return Result::failure(QStringLiteral("\"strings\": expected an object"));
-    Map strings;
-    const QJsonObject o = json.toObject();
-    for (auto it = o.constBegin(); it != o.constEnd(); ++it) {
-        auto ref = decode<std::optional<StringRef>>(it.value());
-        if (!ref)
-            return Result::failure(QStringLiteral("\"strings\": \"%1\": %2").arg(it.key(), ref.error()));
-        strings.insert(it.key(), ref.value());
-    }
-    return std::optional<Map>(std::move(strings));
-}
-
-} // namespace
 
 template<>
 Decoded<Catalog> decode(const QJsonValue &json)
 {
-    const auto o = object(json, "a catalog");
-    if (!o)
-        return Decoded<Catalog>::failure(o);
-    Catalog catalog;
-    QString error;
-    if (!readField(o.value(), "osVersion", catalog.osVersion, error)
-        || !readField(o.value(), "sections", catalog.sections, error)
-        || !readField(o.value(), "panes", catalog.panes, error))
-        return Decoded<Catalog>::failure(error);
-    auto strings = decodeStrings(o.value());
-    if (!strings)
-        return Decoded<Catalog>::failure(strings);
-    catalog.strings = strings.value();
-    return catalog;
+    return decodeRecord<Catalog>(json, "a catalog", [](const QJsonObject &o, Catalog &catalog, QString &error) {
+        return readField(o, "osVersion", catalog.osVersion, error) && readField(o, "sections", catalog.sections, error)
+            && readField(o, "panes", catalog.panes, error) && readOptional(o, "strings", catalog.strings, error);
+    });
 }
 
 Decoded<Catalog> decodeCatalog(const QByteArray &document)
@@ -229,7 +193,5 @@ Decoded<Catalog> decodeCatalog(const QByteArray &document)
     const QJsonDocument json = QJsonDocument::fromJson(document, &error);
     if (error.error != QJsonParseError::NoError)
         return Decoded<Catalog>::failure(QStringLiteral("%1 at offset %2").arg(error.errorString()).arg(error.offset));
-    if (!json.isObject())
-        return Decoded<Catalog>::failure(QStringLiteral("expected a catalog object"));
-    return decode<Catalog>(json.object());
+    return decode<Catalog>(json.isObject() ? QJsonValue(json.object()) : QJsonValue(json.array()));
 }

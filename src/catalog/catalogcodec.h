@@ -27,6 +27,9 @@ Decoded<StringRef> decode(const QJsonValue &json);
 // A reference that may be JSON null.
 template<>
 Decoded<std::optional<StringRef>> decode(const QJsonValue &json);
+// The catalog's strings map; its values may be JSON null.
+template<>
+Decoded<QMap<QString, std::optional<StringRef>>> decode(const QJsonValue &json);
 template<>
 Decoded<Item> decode(const QJsonValue &json);
 template<>

@@ -205,7 +205,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("document");
         QTest::addColumn<QString>("error");
         QTest::newRow("syntax") << QByteArray("{\"osVersion\": ") << QString();
-        QTest::newRow("top level array") << QByteArray("[]") << QString();
+        QTest::newRow("top level array") << QByteArray("[]") << QStringLiteral("expected a catalog object");
         QTest::newRow("osVersion first")
             << QByteArray(JSON({"sections": 1, "panes": 2})) << QStringLiteral("missing key \"osVersion\"");
         QTest::newRow("pane without sections")
