@@ -42,6 +42,11 @@ public:
         const qint64 translations = word(16);
         if (!fits(originals, count * descriptorSize) || !fits(translations, count * descriptorSize))
             return Decoded<Table>::failure(QStringLiteral("string table lies outside the file"));
+        // The hash table is not used, but one that points outside the file
+        // says the header is damaged.
+        const qint64 hashSize = word(20);
+        if (hashSize > 0 && !fits(word(24), hashSize * 4))
+            return Decoded<Table>::failure(QStringLiteral("hash table lies outside the file"));
 
         Table table;
         for (qint64 i = 0; i < count; ++i) {

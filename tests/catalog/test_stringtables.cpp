@@ -118,6 +118,7 @@ private Q_SLOTS:
         QTest::newRow("revision 2") << damaged(4, 0x20000);
         QTest::newRow("huge count") << damaged(8, 0xffffffff);
         QTest::newRow("table beyond the end") << damaged(16, 0xfffffff0);
+        QTest::newRow("hash table beyond the end") << damaged(20, 1000);
         QTest::newRow("string offset beyond the end") << damaged(28 + 4, 0xfffffffe);
         QTest::newRow("string length wraps") << damaged(28, 0xffffffff);
         QTest::newRow("string without its NUL") << damaged(28, 2);
