@@ -1,10 +1,9 @@
 #include "catalog/systemstrings.h"
 
 #include "catalog/localization.h"
+#include "catalog/owntranslation.h"
 #include "common/mainthread.h"
 
-#include <QCoreApplication>
-#include <QDir>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -79,8 +78,6 @@ constexpr std::array<const char *, 63> englishTexts{
     QT_TRANSLATE_NOOP("SystemStrings", "Graphite"),
 };
 
-const QString translationsFolder = QStringLiteral(":/i18n");
-const QString translationPrefix = QStringLiteral("quillon_");
 const QString levelSeparator = QStringLiteral(" \u203A ");
 
 // Menu commands of the desktop often end in an ellipsis; the menus here show
@@ -112,15 +109,8 @@ QString fullUserName()
 }
 
 SystemStrings::SystemStrings(std::optional<StringsMap> strings, const QStringList &languages)
-    : m_strings(std::move(strings)), m_tables(languages)
+    : m_strings(std::move(strings)), m_tables(languages), m_translator(loadOwnTranslation(languages))
 {
-    QStringList available;
-    const QStringList files = QDir(translationsFolder).entryList({translationPrefix + QStringLiteral("*.qm")}, QDir::Files);
-    for (const QString &file : files)
-        available.append(file.sliced(translationPrefix.size()).chopped(3));
-    if (const auto locale = preferredLocalization(available, languages)) {
-        m_translated = m_translator.load(translationPrefix + *locale, translationsFolder);
-    }
 }
 
 SystemStrings &SystemStrings::shared()
@@ -149,9 +139,9 @@ QString SystemStrings::resolve(const QString &fallback, const std::optional<Stri
 
 QString SystemStrings::ownTranslation(const QString &english) const
 {
-    if (!m_translated)
+    if (!m_translator)
         return english;
-    const QString translated = m_translator.translate(translationContext, english.toUtf8().constData());
+    const QString translated = m_translator->translate(translationContext, english.toUtf8().constData());
     return translated.isEmpty() ? english : translated;
 }
 

@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QTranslator>
 
+#include <memory>
 #include <optional>
 
 // The program's fixed interface texts. Each is borrowed from the desktop's
@@ -133,6 +134,7 @@ private:
 
     std::optional<StringsMap> m_strings;
     StringTableCache m_tables;
-    QTranslator m_translator;
-    bool m_translated = false;
+    // Its own, rather than the application's, so that an instance serves
+    // exactly the languages it was made for.
+    std::unique_ptr<QTranslator> m_translator;
 };

@@ -1,6 +1,7 @@
 #include "catalog/desktopentrytable.h"
 #include "catalog/localization.h"
 #include "catalog/motable.h"
+#include "catalog/owntranslation.h"
 #include "catalog/systemstrings.h"
 
 #include <QFile>
@@ -257,6 +258,15 @@ private Q_SLOTS:
             if (!sameInGerman.contains(englishText(string)))
                 QVERIFY2(german.text(string) != englishText(string), qPrintable(englishText(string)));
         }
+    }
+
+    void applicationTranslationFollowsTheLanguage()
+    {
+        QVERIFY(installOwnTranslation({"ja", "de_AT"}));
+        QCOMPARE(QCoreApplication::translate("SystemStrings", "Clear Menu"), QStringLiteral("Menü leeren"));
+        // A later choice replaces the earlier one.
+        QVERIFY(!installOwnTranslation({"en_GB"}));
+        QCOMPARE(QCoreApplication::translate("SystemStrings", "Clear Menu"), QStringLiteral("Clear Menu"));
     }
 
     void catalogTextsResolveLevelByLevel()
