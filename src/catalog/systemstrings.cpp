@@ -12,7 +12,8 @@ namespace {
 
 const char *const translationContext = "SystemStrings";
 
-constexpr std::array<const char *, 63> englishTexts{
+// In the order of the cases.
+constexpr std::array englishTexts{
     QT_TRANSLATE_NOOP("SystemStrings", "Quit %@"),
     QT_TRANSLATE_NOOP("SystemStrings", "Settings…"),
     QT_TRANSLATE_NOOP("SystemStrings", "System Settings"),
@@ -77,6 +78,7 @@ constexpr std::array<const char *, 63> englishTexts{
     QT_TRANSLATE_NOOP("SystemStrings", "Green"),
     QT_TRANSLATE_NOOP("SystemStrings", "Graphite"),
 };
+static_assert(englishTexts.size() == EnumCases<SystemString>::cases.size());
 
 const QString levelSeparator = QStringLiteral(" \u203A ");
 
