@@ -1,0 +1,57 @@
+#pragma once
+
+#include "catalog/catalog.h"
+#include "catalog/osversion.h"
+#include "config/decoded.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// Which catalog document fits the running desktop, and its loading.
+//
+// Documents live in one folder per desktop, named after the version of that
+// desktop's settings program: <root>/gnome/43.json, <root>/kde/5.27.json.
+
+// A desktop's settings program: the catalog folder it serves, the executable
+// that tells it is installed and the AppStream file that gives its version.
+struct SettingsProgram {
+    QString desktop;
+    QString executable;
+    QString metainfoPath;
+    bool operator==(const SettingsProgram &) const = default;
+};
+
+size_t qHash(const SettingsProgram &program, size_t seed = 0) noexcept;
+
+// Everything the choice looks at, so that it can be pointed elsewhere.
+struct CatalogEnvironment {
+    QString resourceRoot;
+    // The entries of $XDG_CURRENT_DESKTOP, in order.
+    QStringList currentDesktops;
+    QList<SettingsProgram> programs;
+    // Where executables are looked for; empty means $PATH.
+    QStringList searchPaths;
+
+    // The compiled-in documents and this session's desktop.
+    static CatalogEnvironment system();
+};
+
+// The catalog folder to use: the first current desktop that has one, else
+// the desktop whose settings program is installed, else "gnome".
+QString chooseDesktop(const CatalogEnvironment &environment);
+
+// The newest release named in an AppStream file, or none when the file is
+// missing, unreadable or names no parsable version.
+std::optional<OSVersion> metainfoVersion(const QString &path);
+
+// From documents in listing order, the newest one not newer than the running
+// version, else the oldest; the newest when the running version is unknown.
+// Files whose names are not versions do not count. None when none is left.
+std::optional<QString> chooseDocument(const QStringList &files, const std::optional<OSVersion> &running);
+
+// The whole choice and decoding; a failure carries the message that ends the
+// process.
+Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment);

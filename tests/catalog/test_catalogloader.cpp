@@ -1,0 +1,258 @@
+#include "catalog/catalogcodec.h"
+#include "catalog/catalogloader.h"
+#include "jsontext.h"
+
+#include <QFile>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QString documents = QStringLiteral(CATALOG_TEST_DATA "/documents");
+
+OSVersion version(const char *text)
+{
+    return OSVersion::parse(QString::fromLatin1(text)).value();
+}
+
+bool writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+CatalogEnvironment environment(const QString &root, const QStringList &desktops, const QStringList &searchPaths = {})
+{
+    return {root,
+            desktops,
+            {{QStringLiteral("gnome"), QStringLiteral("fake-gnome-settings"), documents + QStringLiteral("/gnome.metainfo.xml")},
+             {QStringLiteral("kde"), QStringLiteral("fake-kde-settings"), QStringLiteral("/nonexistent.xml")}},
+            searchPaths.isEmpty() ? QStringList{QStringLiteral("/nonexistent")} : searchPaths};
+}
+
+} // namespace
+
+class TestCatalogLoader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+
+    void versionsParse_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QList<qint64>>("parts");
+        QTest::newRow("three parts") << "15.4.1" << QList<qint64>{15, 4, 1};
+        QTest::newRow("empty pieces dropped") << ".15..4." << QList<qint64>{15, 4};
+        QTest::newRow("signs") << "+3.-1" << QList<qint64>{3, -1};
+        QTest::newRow("largest") << "9223372036854775807" << QList<qint64>{9223372036854775807};
+        QTest::newRow("overflow") << "9223372036854775808" << QList<qint64>{};
+        QTest::newRow("empty") << "" << QList<qint64>{};
+        QTest::newRow("only dots") << ".." << QList<qint64>{};
+        QTest::newRow("word") << "beta" << QList<qint64>{};
+        QTest::newRow("suffix") << "46~beta" << QList<qint64>{};
+        QTest::newRow("space") << " 15" << QList<qint64>{};
+        QTest::newRow("bare sign") << "15.+" << QList<qint64>{};
+    }
+
+    void versionsParse()
+    {
+        QFETCH(QString, text);
+        QFETCH(QList<qint64>, parts);
+        const auto parsed = OSVersion::parse(text);
+        QCOMPARE(parsed.has_value(), !parts.isEmpty());
+        if (parsed)
+            QCOMPARE(parsed->parts, parts);
+    }
+
+    void versionsCompareWithMissingPartsAsZero()
+    {
+        QVERIFY(version("1.2.3.0") == version("1.2.3"));
+        QCOMPARE(qHash(version("15")), qHash(version("15.0.0")));
+        QVERIFY(version("1.2.3.1") > version("1.2.3"));
+        QVERIFY(version("14.6") < version("15"));
+        QVERIFY(version("15") <= version("15.0"));
+        QVERIFY(version("15") >= version("15.0"));
+        QVERIFY(!(version("15") < version("15.0")));
+        QVERIFY(version("5.27") < version("5.100"));
+        QVERIFY(version("-1") < version("0"));
+    }
+
+    void documentChoice_data()
+    {
+        QTest::addColumn<QStringList>("files");
+        QTest::addColumn<QString>("running");
+        QTest::addColumn<QString>("chosen");
+        QTest::newRow("newest not newer") << QStringList{"14.json", "15.json"} << "15.3.1" << "15.json";
+        QTest::newRow("newer skipped") << QStringList{"14.json", "15.4.json"} << "15.3" << "14.json";
+        QTest::newRow("all newer: oldest") << QStringList{"16.json", "15.json"} << "14.6" << "15.json";
+        QTest::newRow("equal names: later listed") << QStringList{"15.0.json", "15.json"} << "15.0.0" << "15.json";
+        QTest::newRow("equal names, other order") << QStringList{"15.json", "15.0.json"} << "15" << "15.0.json";
+        QTest::newRow("listing order is not version order")
+            << QStringList{"5.100.json", "5.27.json", "5.9.json"} << "5.50" << "5.27.json";
+        QTest::newRow("unknown running: newest") << QStringList{"46.json", "43.json", "beta.json"} << "" << "46.json";
+        QTest::newRow("names that are not versions") << QStringList{"beta.json", ".json", "README.json"} << "15" << "";
+    }
+
+    void documentChoice()
+    {
+        QFETCH(QStringList, files);
+        QFETCH(QString, running);
+        QFETCH(QString, chosen);
+        const auto runningVersion = OSVersion::parse(running);
+        QCOMPARE(chooseDocument(files, runningVersion).value_or(QString()), chosen);
+    }
+
+    void desktopChoice()
+    {
+        QTemporaryDir bin;
+        QVERIFY(bin.isValid());
+        const QString fakeKde = bin.filePath(QStringLiteral("fake-kde-settings"));
+        QVERIFY(writeFile(fakeKde, "#!/bin/sh\n"));
+        QVERIFY(QFile::setPermissions(fakeKde, QFile::ReadOwner | QFile::ExeOwner));
+
+        // The first session desktop with a catalog folder, in any case.
+        QCOMPARE(chooseDesktop(environment(documents, {"ubuntu", "KDE", "GNOME"})), QStringLiteral("kde"));
+        QCOMPARE(chooseDesktop(environment(documents, {"GNOME"}, {bin.path()})), QStringLiteral("gnome"));
+        // Otherwise the desktop whose settings program is installed.
+        QCOMPARE(chooseDesktop(environment(documents, {"X-Cinnamon"}, {bin.path()})), QStringLiteral("kde"));
+        // Otherwise gnome.
+        QCOMPARE(chooseDesktop(environment(documents, {})), QStringLiteral("gnome"));
+    }
+
+    void metainfoGivesTheNewestRelease()
+    {
+        QCOMPARE(metainfoVersion(documents + QStringLiteral("/gnome.metainfo.xml")), version("44.1"));
+        QVERIFY(!metainfoVersion(QStringLiteral("/nonexistent.xml")));
+        QTemporaryDir dir;
+        const QString broken = dir.filePath(QStringLiteral("broken.xml"));
+        QVERIFY(writeFile(broken, "<component><releases><release version=\"43\"></releases>"));
+        QVERIFY(!metainfoVersion(broken));
+    }
+
+    void loadingFollowsTheDesktopAndItsVersion()
+    {
+        // GNOME Settings 44.1 gets the 43 document, not the newer 46.
+        const auto gnome = loadCatalog(environment(documents, {"GNOME"}));
+        QVERIFY2(gnome.ok(), qPrintable(gnome.error()));
+        QCOMPARE(gnome.value().osVersion, QStringLiteral("43"));
+        QCOMPARE(gnome.value().pane(QStringLiteral("wifi"))->url, QUrl(QStringLiteral("settings://gnome/wifi")));
+
+        // The KDE document lacks an item URL: the whole load fails.
+        const auto kde = loadCatalog(environment(documents, {"KDE"}));
+        QVERIFY(!kde.ok());
+        QCOMPARE(kde.error(),
+                 QStringLiteral("5.27.json could not be decoded: \"panes\": [0]: "
+                                "pane \"kcm_kscreen\": \"sections\": [0]: \"items\": [0]: missing key \"url\""));
+
+        QTemporaryDir empty;
+        QVERIFY(QDir(empty.path()).mkpath(QStringLiteral("gnome")));
+        QVERIFY(writeFile(empty.filePath(QStringLiteral("gnome/beta.json")), "{}"));
+        QCOMPARE(loadCatalog(environment(empty.path(), {"GNOME"})).error(),
+                 QStringLiteral("No catalog in the app bundle's Catalogs folder"));
+        QCOMPARE(loadCatalog(environment(empty.filePath(QStringLiteral("missing")), {})).error(),
+                 QStringLiteral("No catalog in the app bundle's Catalogs folder"));
+    }
+
+    void fullDocumentDecodes()
+    {
+        const auto decoded = decodeCatalog(JSON({
+            "osVersion": "43.6", "sections": [["wifi", "missing"]], "extra": true,
+            "strings": {"clearMenu": {"table": "/t/%l/x.mo", "key": "Clear"}, "search": null},
+            "panes": [{
+                "id": "wifi", "name": "Wi-Fi", "nameRef": {"table": "/t/%l/x.mo", "key": "Wi-Fi"},
+                "url": "settings://gnome/wifi", "children": [["hidden"]], "symbol": "network-wireless",
+                "symbolBackground": [[0.1, 0.2], [0.3, 0.4]], "symbolRendering": "multicolor",
+                "symbolColor": [1, 0, 0], "symbolMirrored": true, "symbolSize": 12.5, "symbolFallback": null,
+                "sections": [{"items": [{"label": "Saved › Hidden", "labelRefs": [null, {"table": "t", "key": "k"}],
+                                         "labelSource": "fullUserName", "kind": "sheet",
+                                         "url": "settings://gnome/wifi/hidden", "bundlePath": "/b"}]}]
+            }]
+        }));
+        QVERIFY2(decoded.ok(), qPrintable(decoded.error()));
+        const Catalog &catalog = decoded.value();
+        QCOMPARE(catalog.sections, (QList<QList<QString>>{{"wifi", "missing"}}));
+        QCOMPARE(catalog.strings->value(QStringLiteral("clearMenu")), (StringRef{"/t/%l/x.mo", "Clear"}));
+        QVERIFY(catalog.strings->contains(QStringLiteral("search")));
+        QVERIFY(!catalog.strings->value(QStringLiteral("search")));
+
+        const Pane &pane = catalog.panes.first();
+        QCOMPARE(pane.nameRef, (StringRef{"/t/%l/x.mo", "Wi-Fi"}));
+        QCOMPARE(pane.children, (QList<QList<QString>>{{"hidden"}}));
+        IconSpec icon;
+        icon.symbol = QStringLiteral("network-wireless");
+        icon.symbolBackground = QList<QList<double>>{{0.1, 0.2}, {0.3, 0.4}};
+        icon.symbolRendering = SymbolRendering::Multicolor;
+        icon.symbolColor = QList<double>{1, 0, 0};
+        icon.symbolMirrored = true;
+        icon.symbolSize = 12.5;
+        QCOMPARE(pane.icon, icon);
+
+        const ItemSection &section = pane.sections.first();
+        QVERIFY(!section.title);
+        const Item &item = section.items.first();
+        QCOMPARE(item.labelRefs, (QList<std::optional<StringRef>>{std::nullopt, StringRef{"t", "k"}}));
+        QCOMPARE(item.labelSource, LabelSource::FullUserName);
+        QCOMPARE(item.kind, Kind::Sheet);
+        QCOMPARE(item.icon.bundlePath, QStringLiteral("/b"));
+        QVERIFY(!catalog.pane(QStringLiteral("missing")));
+    }
+
+    void badDocumentsFail_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("syntax") << QByteArray("{\"osVersion\": ") << QString();
+        QTest::newRow("top level array") << QByteArray("[]") << QStringLiteral("expected a catalog object");
+        QTest::newRow("osVersion first")
+            << QByteArray(JSON({"sections": 1, "panes": 2})) << QStringLiteral("missing key \"osVersion\"");
+        QTest::newRow("pane without sections")
+            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a"}]}))
+            << QStringLiteral("\"panes\": [0]: pane \"a\": missing key \"sections\"");
+        QTest::newRow("unknown kind")
+            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a",
+                "sections": [{"items": [{"label": "L", "kind": "window", "url": "x:b"}]}]}]}))
+            << QStringLiteral("\"panes\": [0]: pane \"a\": \"sections\": [0]: \"items\": [0]: \"kind\": expected a Kind case");
+        QTest::newRow("bad url")
+            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "http://exa mple.org", "sections": []}]}))
+            << QStringLiteral("\"panes\": [0]: pane \"a\": \"url\": expected a URL string");
+        QTest::newRow("number as text")
+            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a", "sections": [], "symbolSize": "12"}]}))
+            << QStringLiteral("\"panes\": [0]: pane \"a\": \"symbolSize\": expected a number");
+        QTest::newRow("string reference without key")
+            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [], "strings": {"add": {"table": "t"}}}))
+            << QStringLiteral("\"strings\": \"add\": missing key \"key\"");
+    }
+
+    void badDocumentsFail()
+    {
+        QFETCH(QByteArray, document);
+        QFETCH(QString, error);
+        const auto decoded = decodeCatalog(document);
+        QVERIFY(!decoded.ok());
+        QVERIFY(!decoded.error().isEmpty());
+        if (!error.isEmpty())
+            QCOMPARE(decoded.error(), error);
+    }
+
+    void parentIsTheFirstListingPane()
+    {
+        const auto decoded = decodeCatalog(JSON({"osVersion": "1", "sections": [["b"]], "panes": [
+            {"id": "a", "name": "A", "url": "x:a", "sections": [], "children": [["x"], ["c"]]},
+            {"id": "b", "name": "B", "url": "x:b", "sections": [], "children": [["c"]]},
+            {"id": "c", "name": "C", "url": "x:c", "sections": []},
+            {"id": "c", "name": "Second C", "url": "x:c2", "sections": []}]}));
+        QVERIFY2(decoded.ok(), qPrintable(decoded.error()));
+        const Catalog &catalog = decoded.value();
+        QCOMPARE(catalog.parent(QStringLiteral("c"))->id, QStringLiteral("a"));
+        QCOMPARE(catalog.pane(QStringLiteral("c"))->name, QStringLiteral("C"));
+        // Top-level sections do not make a parent.
+        QVERIFY(!catalog.parent(QStringLiteral("b")));
+        QVERIFY(!catalog.pane(QStringLiteral("C")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCatalogLoader)
+#include "test_catalogloader.moc"
