@@ -1,16 +1,35 @@
+#include "app/appdelegate.h"
+#include "app/appservices.h"
 #include "app/layoutprinter.h"
-#include "app/statusmenucontroller.h"
-#include "config/menustore.h"
-#include "config/preferences.h"
+#include "app/menuprinter.h"
+#include "app/singleinstance.h"
+#include "app/statusmenu.h"
+#include "catalog/localization.h"
+#include "catalog/owntranslation.h"
+#include "platform/fileicons.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QElapsedTimer>
 #include <QIcon>
 #include <QTextStream>
 
 namespace {
 
-void describe(QCoreApplication &app, QCommandLineParser &parser)
+struct Options {
+    QCommandLineOption printLayout{QStringLiteral("print-layout"), QStringLiteral("Print the effective menu layout and exit.")};
+    QCommandLineOption printMenu{QStringLiteral("print-menu"), QStringLiteral("Print the menu as it would open now, and exit.")};
+    QCommandLineOption depth{QStringLiteral("depth"), QStringLiteral("How many submenu levels --print-menu fills (default 2)."),
+                             QStringLiteral("N"), QStringLiteral("2")};
+    QCommandLineOption search{QStringLiteral("search"), QStringLiteral("Print what the menu's search shows for TEXT, and exit."),
+                              QStringLiteral("TEXT")};
+    QCommandLineOption autostart{QStringLiteral("autostart"), QStringLiteral("Started at login: show only the icon.")};
+    QCommandLineOption toggleSearch{QStringLiteral("toggle-search"), QStringLiteral("Show or hide the running Quillon's search panel.")};
+    QCommandLineOption menu{QStringLiteral("menu"), QStringLiteral("Pop the running Quillon's menu up at the mouse.")};
+    QCommandLineOption settings{QStringLiteral("settings"), QStringLiteral("Show the running Quillon's settings.")};
+};
+
+void describe(QCoreApplication &app, QCommandLineParser &parser, const Options &options)
 {
     app.setOrganizationName(QStringLiteral("Quillon"));
     app.setApplicationName(QStringLiteral("Quillon"));
@@ -18,25 +37,27 @@ void describe(QCoreApplication &app, QCommandLineParser &parser)
     parser.setApplicationDescription(QStringLiteral("A launcher in the panel."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOption({QStringLiteral("print-layout"), QStringLiteral("Print the effective menu layout and exit.")});
+    parser.addOptions({options.printLayout, options.printMenu, options.depth, options.search, options.autostart,
+                       options.toggleSearch, options.menu, options.settings});
 }
 
-// Diagnostics run without a display.
-bool isDiagnostic(int argc, char **argv)
+bool hasArgument(int argc, char **argv, std::initializer_list<const char *> names)
 {
     for (int i = 1; i < argc; ++i) {
-        const QByteArray arg(argv[i]);
-        if (arg == "--print-layout" || arg == "--help" || arg == "-h" || arg == "--version" || arg == "-v")
-            return true;
+        for (const char *name : names) {
+            if (QByteArray(argv[i]) == name)
+                return true;
+        }
     }
     return false;
 }
 
-int runDiagnostic(int argc, char **argv)
+int printLayout(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QCommandLineParser parser;
-    describe(app, parser);
+    Options options;
+    describe(app, parser, options);
     parser.process(app);
     Preferences preferences;
     MenuStore store(preferences);
@@ -44,20 +65,93 @@ int runDiagnostic(int argc, char **argv)
     return 0;
 }
 
+// The menu and the search as they are right now, drawn off screen.
+int printMenuOrSearch(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QCommandLineParser parser;
+    Options options;
+    describe(app, parser, options);
+    parser.process(app);
+    ensureIconTheme();
+    installOwnTranslation(preferredLanguages());
+
+    AppServices services;
+    // Shortcuts come from a tool; give it a moment, as a person opening the
+    // menu a little after start would.
+    const auto loadShortcuts = [&services] {
+        services.shortcuts.refresh();
+        QElapsedTimer waited;
+        waited.start();
+        while (services.shortcuts.isRefreshing() && waited.elapsed() < 10000)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    };
+    loadShortcuts();
+
+    QTextStream out(stdout);
+    if (parser.isSet(options.search)) {
+        SearchSession session(services.store, services.searchContext());
+        for (const auto &group : session.search(parser.value(options.search).trimmed(), StatusMenu::maxResults)) {
+            out << group.title << '\n';
+            for (const auto &result : group.results)
+                out << "  " << result.title << "  <" << result.url.toString() << ">\n";
+        }
+        return 0;
+    }
+    StatusMenu menu(services.statusMenuServices(), [] {});
+    menu.rebuild();
+    // The opening reloads the shortcuts too; let that finish before leaving.
+    loadShortcuts();
+    out << menuText(menu.menu(), std::max(1, parser.value(options.depth).toInt()));
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (isDiagnostic(argc, argv))
-        return runDiagnostic(argc, argv);
+    if (hasArgument(argc, argv, {"--print-layout"}))
+        return printLayout(argc, argv);
+    if (hasArgument(argc, argv, {"--print-menu", "--search"}))
+        return printMenuOrSearch(argc, argv);
 
+    // Started by the session manager at login: our children must not claim
+    // its start-up id.
+    qunsetenv("DESKTOP_AUTOSTART_ID");
     QApplication app(argc, argv);
     QCommandLineParser parser;
-    describe(app, parser);
+    Options options;
+    describe(app, parser, options);
     parser.process(app);
     app.setQuitOnLastWindowClosed(false);
     app.setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
 
-    StatusMenuController statusMenu;
+    // Commands for the running instance, as bound in the desktop's keyboard settings.
+    const std::pair<const QCommandLineOption *, InstanceCommand> commands[] = {
+        {&options.toggleSearch, InstanceCommand::ToggleSearch},
+        {&options.menu, InstanceCommand::PopUpMenu},
+        {&options.settings, InstanceCommand::ShowSettings},
+    };
+    for (const auto &[option, command] : commands) {
+        if (parser.isSet(*option)) {
+            if (SingleInstance::send(command))
+                return 0;
+            QTextStream(stderr) << "Quillon is not running.\n";
+            return 1;
+        }
+    }
+
+    SingleInstance instance;
+    if (!instance.claim()) {
+        SingleInstance::send(InstanceCommand::Reopen);
+        return 0;
+    }
+
+    ensureIconTheme();
+    installOwnTranslation(preferredLanguages());
+    AppDelegate delegate(parser.isSet(options.autostart));
+    QObject::connect(&instance, &SingleInstance::commandReceived, &delegate, &AppDelegate::handle);
+    delegate.start();
     return app.exec();
 }

@@ -45,7 +45,7 @@ std::optional<SettingsProgram> programFor(const CatalogEnvironment &environment,
 
 size_t qHash(const SettingsProgram &program, size_t seed) noexcept
 {
-    return qHashMulti(seed, program.desktop, program.executable, program.metainfoPath);
+    return qHashMulti(seed, program.desktop, program.executable, program.metainfoPaths);
 }
 
 CatalogEnvironment CatalogEnvironment::system()
@@ -55,9 +55,11 @@ CatalogEnvironment CatalogEnvironment::system()
         qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':', Qt::SkipEmptyParts),
         {
             {QStringLiteral("gnome"), QStringLiteral("gnome-control-center"),
-             QStringLiteral("/usr/share/metainfo/org.gnome.Settings.metainfo.xml")},
+             {QStringLiteral("/usr/share/metainfo/org.gnome.Settings.metainfo.xml"),
+              QStringLiteral("/usr/share/metainfo/org.gnome.Settings.appdata.xml")}},
             {QStringLiteral("kde"), QStringLiteral("systemsettings"),
-             QStringLiteral("/usr/share/metainfo/org.kde.systemsettings.metainfo.xml")},
+             {QStringLiteral("/usr/share/metainfo/org.kde.systemsettings.metainfo.xml"),
+              QStringLiteral("/usr/share/metainfo/org.kde.systemsettings.appdata.xml")}},
         },
         {},
     };
@@ -109,10 +111,11 @@ std::optional<QString> chooseDocument(const QStringList &files, const std::optio
     // is met first by the walk from the end.
     std::stable_sort(documents.begin(), documents.end(),
                      [](const auto &a, const auto &b) { return a.first < b.first; });
-    // A desktop whose version cannot be read gets the newest document: it is
-    // more likely to be a recent release than an old one.
+    // A settings program that names no release is an older one: release
+    // lists came to these AppStream files later (GNOME Settings 43, Debian
+    // 12's, has none). So it gets the oldest document.
     if (!running)
-        return documents.last().second;
+        return documents.first().second;
     for (auto it = documents.crbegin(); it != documents.crend(); ++it) {
         if (it->first <= *running)
             return it->second;
@@ -129,8 +132,12 @@ Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment)
         files.append(folder.filePath(name));
 
     std::optional<OSVersion> running;
-    if (const auto program = programFor(environment, desktop))
-        running = metainfoVersion(program->metainfoPath);
+    if (const auto program = programFor(environment, desktop)) {
+        for (const QString &path : program->metainfoPaths) {
+            if ((running = metainfoVersion(path)))
+                break;
+        }
+    }
 
     const auto chosen = chooseDocument(files, running);
     if (!chosen)

@@ -16,11 +16,12 @@
 // desktop's settings program: <root>/gnome/43.json, <root>/kde/5.27.json.
 
 // A desktop's settings program: the catalog folder it serves, the executable
-// that tells it is installed and the AppStream file that gives its version.
+// that tells it is installed and the AppStream files that may give its
+// version (distributions install one name or the other).
 struct SettingsProgram {
     QString desktop;
     QString executable;
-    QString metainfoPath;
+    QStringList metainfoPaths;
     bool operator==(const SettingsProgram &) const = default;
 };
 
@@ -48,7 +49,8 @@ QString chooseDesktop(const CatalogEnvironment &environment);
 std::optional<OSVersion> metainfoVersion(const QString &path);
 
 // From documents in listing order, the newest one not newer than the running
-// version, else the oldest; the newest when the running version is unknown.
+// version, else the oldest; also the oldest when the running version is
+// unknown.
 // Files whose names are not versions do not count. None when none is left.
 std::optional<QString> chooseDocument(const QStringList &files, const std::optional<OSVersion> &running);
 

@@ -26,8 +26,8 @@ CatalogEnvironment environment(const QString &root, const QStringList &desktops,
 {
     return {root,
             desktops,
-            {{QStringLiteral("gnome"), QStringLiteral("fake-gnome-settings"), documents + QStringLiteral("/gnome.metainfo.xml")},
-             {QStringLiteral("kde"), QStringLiteral("fake-kde-settings"), QStringLiteral("/nonexistent.xml")}},
+            {{QStringLiteral("gnome"), QStringLiteral("fake-gnome-settings"), {documents + QStringLiteral("/gnome.metainfo.xml")}},
+             {QStringLiteral("kde"), QStringLiteral("fake-kde-settings"), {QStringLiteral("/nonexistent.xml")}}},
             searchPaths.isEmpty() ? QStringList{QStringLiteral("/nonexistent")} : searchPaths};
 }
 
@@ -92,7 +92,7 @@ private Q_SLOTS:
         QTest::newRow("equal names, other order") << QStringList{"15.json", "15.0.json"} << "15" << "15.0.json";
         QTest::newRow("listing order is not version order")
             << QStringList{"5.100.json", "5.27.json", "5.9.json"} << "5.50" << "5.27.json";
-        QTest::newRow("unknown running: newest") << QStringList{"46.json", "43.json", "beta.json"} << "" << "46.json";
+        QTest::newRow("unknown running: oldest") << QStringList{"46.json", "43.json", "beta.json"} << "" << "43.json";
         QTest::newRow("names that are not versions") << QStringList{"beta.json", ".json", "README.json"} << "15" << "";
     }
 

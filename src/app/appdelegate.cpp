@@ -1,0 +1,82 @@
+#include "app/appdelegate.h"
+
+#include "app/statusmenucontroller.h"
+#include "common/mainthread.h"
+#include "platform/trayhostwatch.h"
+#include "settings/settingswindow.h"
+
+#include <QMenu>
+#include <QTimer>
+
+namespace {
+// The icon may take a moment to be placed by the panel: look every 50 ms,
+// twenty times at most, then open anyway.
+constexpr int placementPollMs = 50;
+constexpr int placementAttempts = 20;
+} // namespace
+
+AppDelegate::AppDelegate(bool launchedAtLogin, QObject *parent)
+    : QObject(parent)
+    , m_launchedAtLogin(launchedAtLogin)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::start()
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    m_services.shortcuts.refresh();
+    // The tray icon waits for the panel's tray host (bounded), so Qt picks
+    // the tray the panel actually speaks.
+    m_trayWatch = std::make_unique<TrayHostWatch>();
+    connect(m_trayWatch.get(), &TrayHostWatch::ready, this, &AppDelegate::finishLaunching);
+    m_trayWatch->start();
+}
+
+void AppDelegate::finishLaunching()
+{
+    m_statusMenu = std::make_unique<StatusMenuController>(m_services.statusMenuServices(), [this] { showSettings(); });
+    if (!m_launchedAtLogin)
+        openMenuWhenPlaced(0);
+}
+
+void AppDelegate::openMenuWhenPlaced(int attempt)
+{
+    if (!m_statusMenu)
+        return;
+    const QRect icon = m_statusMenu->iconGeometry();
+    const bool placed = icon.height() > 0 && icon.left() > 0;
+    if (placed || attempt >= placementAttempts) {
+        m_statusMenu->openMenu();
+        return;
+    }
+    QTimer::singleShot(placementPollMs, this, [this, attempt] { openMenuWhenPlaced(attempt + 1); });
+}
+
+void AppDelegate::handle(InstanceCommand command)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    switch (command) {
+    case InstanceCommand::Reopen:
+        openMenuWhenPlaced(0);
+        break;
+    case InstanceCommand::PopUpMenu:
+        if (m_statusMenu && !m_statusMenu->isOpen())
+            m_statusMenu->popUpAtMouse();
+        break;
+    case InstanceCommand::ShowSettings:
+        showSettings();
+        break;
+    case InstanceCommand::ToggleSearch:
+        break;
+    }
+}
+
+void AppDelegate::showSettings()
+{
+    if (!m_settings)
+        m_settings = std::make_unique<SettingsWindow>();
+    m_settings->present();
+}

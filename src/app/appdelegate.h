@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/appservices.h"
+#include "app/singleinstance.h"
+
+#include <QObject>
+
+#include <memory>
+
+class SettingsWindow;
+class StatusMenuController;
+class TrayHostWatch;
+
+// Owns everything the user sees and starts it in order: the shortcut
+// library's first load, the tray icon and its menu, and on a launch by hand
+// (not at login) the menu itself, once the panel has placed the icon.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit AppDelegate(bool launchedAtLogin, QObject *parent = nullptr);
+    ~AppDelegate() override;
+
+    void start();
+    // Another `quillon` was started, or asked for something.
+    void handle(InstanceCommand command);
+
+    StatusMenuController *statusMenu() const { return m_statusMenu.get(); }
+    void showSettings();
+
+private:
+    void finishLaunching();
+    void openMenuWhenPlaced(int attempt);
+
+    bool m_launchedAtLogin;
+    AppServices m_services;
+    std::unique_ptr<TrayHostWatch> m_trayWatch;
+    std::unique_ptr<StatusMenuController> m_statusMenu;
+    std::unique_ptr<SettingsWindow> m_settings;
+};

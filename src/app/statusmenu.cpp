@@ -1,0 +1,311 @@
+#include "app/statusmenu.h"
+
+#include "app/menuicon.h"
+#include "app/opener.h"
+#include "app/searchfieldaction.h"
+#include "app/updates.h"
+#include "catalog/systemstrings.h"
+#include "common/mainthread.h"
+#include "config/menustore.h"
+#include "config/preferences.h"
+#include "config/urls.h"
+#include "sources/shortcutlibrary.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QStyle>
+#include <QSysInfo>
+#include <QTimer>
+#include <QUrlQuery>
+
+namespace {
+
+const QString showSearchKey = QStringLiteral("ShowSearch");
+const QString displayName = QStringLiteral("Quillon");
+const QString feedbackAddress = QStringLiteral("feedback@quillon.app");
+
+// Texts that carry the program's name where the format says "%@".
+QString withName(const QString &format)
+{
+    return QString(format).replace(QLatin1String("%@"), displayName);
+}
+
+// Typing goes to the search field while arrows, Return and Escape keep
+// working the menu, so a person can type at once and still move around.
+class SearchableMenu : public QMenu
+{
+public:
+    std::function<QLineEdit *()> field;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        QLineEdit *edit = field ? field() : nullptr;
+        const bool text = !event->text().isEmpty() && event->text().at(0).isPrint()
+            && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        const bool editing = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete
+            || ((event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) && edit && edit->hasFocus());
+        if (edit && edit->isVisible() && (text || editing)) {
+            edit->setFocus(Qt::OtherFocusReason);
+            QCoreApplication::sendEvent(edit, event);
+            return;
+        }
+        QMenu::keyPressEvent(event);
+    }
+};
+
+} // namespace
+
+QUrl feedbackURL(const QString &version, const QString &osVersion)
+{
+    QUrl url;
+    url.setScheme(QStringLiteral("mailto"));
+    url.setPath(feedbackAddress);
+    QUrlQuery query;
+    query.addQueryItem(QStringLiteral("subject"), QStringLiteral("%1/%2 Linux/%3 Feedback")
+                                                      .arg(displayName, version.isEmpty() ? QStringLiteral("?") : version,
+                                                           osVersion));
+    url.setQuery(query);
+    return url;
+}
+
+StatusMenu::StatusMenu(Services services, std::function<void()> openSettings, QObject *parent)
+    : QObject(parent)
+    , m_services(std::move(services))
+    , m_openSettings(std::move(openSettings))
+    , m_builder(
+          m_services.content, [this](const QUrl &url) { open(url); },
+          [this] { m_services.content.store.setRecents({}); })
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    auto *menu = new SearchableMenu;
+    menu->field = [this]() -> QLineEdit * { return m_searchItem && showsSearch() ? m_searchItem->field() : nullptr; };
+    m_menu.reset(menu);
+    connect(m_menu.get(), &QMenu::aboutToShow, this, [this] {
+        rebuild();
+        m_isOpen = true;
+        Q_EMIT aboutToOpen();
+        if (showsSearch()) {
+            // Once the popup exists, so the field can take the keyboard.
+            QTimer::singleShot(0, this, [this] {
+                if (m_isOpen && m_searchItem)
+                    m_searchItem->focusField();
+            });
+        }
+    });
+    connect(m_menu.get(), &QMenu::aboutToHide, this, [this] { m_isOpen = false; });
+}
+
+StatusMenu::~StatusMenu() = default;
+
+bool StatusMenu::showsSearch() const
+{
+    const QVariant stored = m_services.preferences.value(showSearchKey);
+    return !stored.isValid() || stored.toBool();
+}
+
+SearchFieldAction *StatusMenu::searchItem()
+{
+    if (!m_searchItem) {
+        m_searchItem = new SearchFieldAction(m_services.content.strings.text(SystemString::Search), this);
+        connect(m_searchItem, &SearchFieldAction::textEdited, this, [this] { buildContent(); });
+        connect(m_searchItem, &SearchFieldAction::returnPressed, this, &StatusMenu::openFirstItem);
+    }
+    return m_searchItem;
+}
+
+void StatusMenu::rebuild()
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    searchItem()->clear();
+    m_session.emplace(m_services.content.store, m_services.searchContext());
+    m_services.content.shortcuts.refresh();
+    removeItems(0);
+    buildContent();
+}
+
+void StatusMenu::setSearchText(const QString &text)
+{
+    searchItem()->field()->setText(text);
+    buildContent();
+}
+
+void StatusMenu::buildContent()
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    const bool showSearch = showsSearch();
+    const auto actions = m_menu->actions();
+    const bool searchOnTop = showSearch && !actions.isEmpty() && actions.first() == m_searchItem;
+
+    // Keep the field (and its keyboard focus) while the text changes.
+    removeItems(searchOnTop ? 2 : 0);
+    if (showSearch && !searchOnTop) {
+        m_menu->addAction(searchItem());
+        m_menu->addSeparator();
+    }
+    const QString query = searchItem()->text().trimmed();
+    if (showSearch && !query.isEmpty())
+        addSearchResults(query);
+    else
+        addLayout();
+    m_menu->addSeparator();
+    addCommands();
+}
+
+void StatusMenu::removeItems(qsizetype keep)
+{
+    const auto actions = m_menu->actions();
+    for (qsizetype i = actions.size() - 1; i >= keep; --i) {
+        QAction *action = actions.at(i);
+        m_menu->removeAction(action);
+        if (QMenu *submenu = action->menu())
+            submenu->deleteLater(); // it owns its action
+        else if (action->parent() == m_menu.get())
+            delete action;
+    }
+}
+
+void StatusMenu::addLayout()
+{
+    const qsizetype start = m_menu->actions().size();
+    for (const auto &entry : m_services.content.store.layout()) {
+        if (entry.style == SourceStyle::Hidden)
+            continue;
+        if (entry.style == SourceStyle::Submenu || entry.source.kind() == MenuSource::Case::Shortcut) {
+            QAction *item = m_builder.addSourceItem(m_menu.get(), entry.source);
+            if (!m_builder.isAvailable(entry.source)) {
+                item->setEnabled(false);
+                item->setIcon(menuSizeIcon(qApp->style()->standardIcon(QStyle::SP_MessageBoxWarning)));
+                item->setToolTip(m_services.content.strings.text(SystemString::NotAvailable));
+            }
+        } else {
+            m_builder.addItems(m_menu.get(), entry.source);
+        }
+    }
+    removeSuperfluousSeparators(start);
+    markUnavailableFiles(start);
+    if (m_menu->actions().size() == start)
+        m_menu->addAction(m_builder.emptyTitle())->setEnabled(false);
+}
+
+void StatusMenu::addSearchResults(const QString &query)
+{
+    const qsizetype start = m_menu->actions().size();
+    const QList<SearchGroup> groups = m_session->search(query, maxResults);
+    if (groups.isEmpty()) {
+        m_menu->addAction(m_builder.emptyTitle())->setEnabled(false);
+        return;
+    }
+    for (const auto &group : groups) {
+        if (groups.size() > 1)
+            m_menu->addSection(group.title);
+        for (const auto &result : group.results)
+            m_builder.addOpenableItem(m_menu.get(), result.title, result.url,
+                                      result.icon ? MenuBuilder::iconFor(*result.icon) : QIcon());
+    }
+    markUnavailableFiles(start);
+}
+
+void StatusMenu::removeSuperfluousSeparators(qsizetype from)
+{
+    // None at the start, none twice in a row, none at the end.
+    const auto remove = [this](QAction *action) {
+        m_menu->removeAction(action);
+        delete action;
+    };
+    qsizetype i = from;
+    while (i < m_menu->actions().size()) {
+        const auto actions = m_menu->actions();
+        if (actions.at(i)->isSeparator() && (i == from || actions.at(i - 1)->isSeparator()))
+            remove(actions.at(i));
+        else
+            ++i;
+    }
+    while (m_menu->actions().size() > from && m_menu->actions().last()->isSeparator())
+        remove(m_menu->actions().last());
+}
+
+void StatusMenu::markUnavailableFiles(qsizetype from)
+{
+    const auto actions = m_menu->actions();
+    for (qsizetype i = from; i < actions.size(); ++i) {
+        const QUrl url = actions.at(i)->data().toUrl();
+        if (url.isLocalFile() && !QFileInfo::exists(normalizedURL(url).toLocalFile()))
+            actions.at(i)->setEnabled(false);
+    }
+}
+
+void StatusMenu::addCommands()
+{
+    SystemStrings &strings = m_services.content.strings;
+    QAction *about = m_menu->addAction(withName(strings.text(SystemString::About)));
+    connect(about, &QAction::triggered, this, &StatusMenu::showAbout);
+
+    Updates &updates = m_services.updates;
+    QAction *update = nullptr;
+    if (updates.hasPendingUpdate()) {
+        static const QIcon arrow = QIcon::fromTheme(QStringLiteral("go-down"),
+                                                    QIcon::fromTheme(QStringLiteral("software-update-available")));
+        update = m_menu->addAction(menuSizeIcon(arrow), strings.text(SystemString::UpdateAvailable));
+    } else {
+        update = m_menu->addAction(strings.text(SystemString::CheckForUpdates) + QStringLiteral("…"));
+    }
+    // Builds without a feed say so in the window the item opens.
+    connect(update, &QAction::triggered, &updates, &Updates::checkForUpdates);
+
+    QAction *feedback = m_menu->addAction(strings.text(SystemString::SendFeedback) + QStringLiteral("…"));
+    connect(feedback, &QAction::triggered, this, &StatusMenu::sendFeedback);
+
+    QAction *settings = m_menu->addAction(strings.text(SystemString::Settings));
+    settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    connect(settings, &QAction::triggered, this, [this] { m_openSettings(); });
+
+    m_menu->addSeparator();
+    QAction *quit = m_menu->addAction(withName(strings.text(SystemString::QuitApp)));
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    connect(quit, &QAction::triggered, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+QAction *StatusMenu::firstOpenableItem() const
+{
+    for (QAction *action : m_menu->actions()) {
+        if (action->data().toUrl().isValid() && !action->data().toUrl().isEmpty())
+            return action;
+    }
+    return nullptr;
+}
+
+void StatusMenu::openFirstItem()
+{
+    QAction *first = firstOpenableItem();
+    if (!first)
+        return;
+    const QUrl url = first->data().toUrl();
+    m_menu->close();
+    open(url);
+}
+
+void StatusMenu::open(const QUrl &url)
+{
+    m_services.content.store.recordRecent(url);
+    m_services.opener.open(url);
+}
+
+void StatusMenu::showAbout()
+{
+    const QString site = QLatin1String(productSite);
+    const QString text = QStringLiteral("<h3>%1</h3><p>%2 %3</p><p><a href=\"%4\">%5</a></p>")
+                             .arg(displayName, tr("Version"), QCoreApplication::applicationVersion(), site,
+                                  QUrl(site).host());
+    QMessageBox::about(nullptr, withName(m_services.content.strings.text(SystemString::About)), text);
+}
+
+void StatusMenu::sendFeedback()
+{
+    const QUrl url = feedbackURL(QCoreApplication::applicationVersion(), QSysInfo::productVersion());
+    if (url.isValid())
+        m_services.opener.open(url);
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "app/menubuilder.h"
+#include "search/searchsession.h"
+
+#include <QMenu>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class Opener;
+class Preferences;
+class SearchFieldAction;
+class Updates;
+
+// The menu behind the tray icon, rebuilt from the configuration every time it
+// opens: the search field, the user's layout (or, while typing, the search
+// results), then the command block.
+class StatusMenu : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int maxResults = 40;
+
+    struct Services {
+        MenuBuilder::Context content;
+        Preferences &preferences;
+        Updates &updates;
+        const Opener &opener;
+        std::function<SearchContext()> searchContext;
+    };
+
+    StatusMenu(Services services, std::function<void()> openSettings, QObject *parent = nullptr);
+    ~StatusMenu() override;
+
+    QMenu *menu() const { return m_menu.get(); }
+    bool isOpen() const { return m_isOpen; }
+    bool showsSearch() const;
+
+    // Everything afresh: new search session, shortcut reload, new content.
+    void rebuild();
+    // Types into the search field, as a person would.
+    void setSearchText(const QString &text);
+    // The first item that opens something: what Return in the field opens.
+    QAction *firstOpenableItem() const;
+
+Q_SIGNALS:
+    void aboutToOpen();
+
+private:
+    void buildContent();
+    void removeItems(qsizetype keep);
+    void addLayout();
+    void addSearchResults(const QString &query);
+    void addCommands();
+    void removeSuperfluousSeparators(qsizetype from);
+    void markUnavailableFiles(qsizetype from);
+    void open(const QUrl &url);
+    void openFirstItem();
+    void showAbout();
+    void sendFeedback();
+    SearchFieldAction *searchItem();
+
+    Services m_services;
+    std::function<void()> m_openSettings;
+    MenuBuilder m_builder;
+    std::unique_ptr<QMenu> m_menu;
+    SearchFieldAction *m_searchItem = nullptr;
+    std::optional<SearchSession> m_session;
+    bool m_isOpen = false;
+};
+
+// The about text and the feedback link, with the product's addresses.
+QUrl feedbackURL(const QString &version, const QString &osVersion);
+inline constexpr const char *productSite = "https://quillon.app";

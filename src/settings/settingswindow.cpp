@@ -1,0 +1,33 @@
+#include "settings/settingswindow.h"
+
+#include "catalog/systemstrings.h"
+#include "sources/sourcetitles.h"
+
+#include <QIcon>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+SettingsWindow::SettingsWindow(QWidget *parent)
+    : QWidget(parent, Qt::Window)
+    , m_tabs(new QTabWidget(this))
+{
+    SystemStrings &strings = SystemStrings::shared();
+    QString title = strings.text(SystemString::Settings);
+    if (title.endsWith(QStringLiteral("…")))
+        title.chop(1);
+    setWindowTitle(QStringLiteral("Quillon ") + title);
+    setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
+    for (const QString &title : {strings.text(SystemString::General), strings.text(SystemString::Menus),
+                                 strings.text(SystemString::Content), applicationsTitle()})
+        m_tabs->addTab(new QWidget(m_tabs), title);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_tabs);
+    resize(720, 520);
+}
+
+void SettingsWindow::present()
+{
+    show();
+    raise();
+    activateWindow();
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QWidget>
+
+class QTabWidget;
+
+// The settings window: general options, the user's menus, the content and
+// layout of the status menu, and the applications with their favourites.
+class SettingsWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit SettingsWindow(QWidget *parent = nullptr);
+
+    QTabWidget *tabs() const { return m_tabs; }
+    // Shows the window in front, with the keyboard.
+    void present();
+
+private:
+    QTabWidget *m_tabs;
+};

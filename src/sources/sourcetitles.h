@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+// Titles of the built-in sources, in the desktop's own words where it has
+// them.
+QString applicationsTitle();
+QString shortcutsTitle();
+// A folder as file managers name it: its last path component ("/" for the
+// root).
+QString folderTitle(const QUrl &folder);

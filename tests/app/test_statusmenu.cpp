@@ -1,0 +1,223 @@
+#include "app/lazymenu.h"
+#include "app/menuicon.h"
+#include "app/menuprinter.h"
+#include "app/opener.h"
+#include "app/statusmenu.h"
+#include "app/updates.h"
+#include "catalog/destination.h"
+#include "catalog/systemstrings.h"
+#include "config/menustore.h"
+#include "config/preferences.h"
+#include "platform/launcher.h"
+#include "sources/shortcutlibrary.h"
+
+#include <QLineEdit>
+#include <QMenu>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWidgetAction>
+
+namespace {
+
+class RecordingLauncher final : public Launcher
+{
+public:
+    QList<QUrl> opened;
+    void launchApplication(const QString &file, const Done &done) override
+    {
+        opened.append(QUrl::fromLocalFile(file));
+        done(std::nullopt);
+    }
+    void openWithDefaultHandler(const QUrl &url, const Done &done) override
+    {
+        opened.append(url);
+        done(std::nullopt);
+    }
+    void startProgram(const QString &program, const QStringList &arguments, const Done &done) override
+    {
+        opened.append(QUrl(QStringLiteral("run:") + program + QLatin1Char(' ') + arguments.join(QLatin1Char(' '))));
+        done(std::nullopt);
+    }
+};
+
+Pane pane(const QString &id, const QString &name)
+{
+    Pane p;
+    p.id = id;
+    p.name = name;
+    p.url = QUrl(QStringLiteral("settings://gnome/") + id);
+    return p;
+}
+
+QStringList lines(const QString &text)
+{
+    return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+class TestStatusMenu : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    Catalog m_catalog;
+    QHash<QUrl, Destination> m_index;
+    std::unique_ptr<SystemStrings> m_strings;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<MenuStore> m_store;
+    std::unique_ptr<Updates> m_updates;
+    std::unique_ptr<ShortcutLibrary> m_shortcuts;
+    RecordingLauncher m_launcher;
+    std::unique_ptr<Opener> m_opener;
+    std::unique_ptr<StatusMenu> m_menu;
+
+    QStringList shown(int depth = 1) { return lines(menuText(m_menu->menu(), depth)); }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
+        qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("none")).toUtf8());
+        m_catalog.sections = {{QStringLiteral("wifi"), QStringLiteral("bluetooth")}};
+        m_catalog.panes = {pane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
+                           pane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth"))};
+        m_index = Destination::buildIndex(m_catalog);
+        m_strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
+        m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
+        m_opener = std::make_unique<Opener>(m_launcher, [](const QString &) {});
+    }
+
+    void init()
+    {
+        m_menu.reset();
+        m_store.reset();
+        m_preferences = std::make_unique<Preferences>(
+            m_dir.filePath(QStringLiteral("%1.conf").arg(QTest::currentTestFunction())));
+        m_store = std::make_unique<MenuStore>(*m_preferences);
+        m_updates = std::make_unique<Updates>(*m_preferences, QUrl(), QStringLiteral("1.0"));
+        m_launcher.opened.clear();
+        StatusMenu::Services services{
+            MenuBuilder::Context{*m_store, *m_shortcuts, *m_strings, m_catalog, m_index},
+            *m_preferences,
+            *m_updates,
+            *m_opener,
+            [this] {
+                SearchContext context;
+                context.catalog = &m_catalog;
+                context.destinations = &m_index;
+                context.strings = m_strings.get();
+                context.shortcuts = m_shortcuts.get();
+                context.scanApps = [] { return QList<App>{}; };
+                context.listFolder = [](const FolderSource &f) { return FolderListing::list(f.url, f.sort); };
+                context.applicationsTitle = QStringLiteral("Applications");
+                return context;
+            },
+        };
+        m_menu = std::make_unique<StatusMenu>(services, [] {});
+    }
+
+    void theDefaultMenu()
+    {
+        m_menu->rebuild();
+        const QStringList items = shown();
+        QCOMPARE(items.first(), QStringLiteral("(search field)"));
+        QCOMPARE(items.at(1), QStringLiteral("---"));
+        QVERIFY(items.at(2).startsWith(QStringLiteral("Applications")));
+        QVERIFY(items.at(3).startsWith(QStringLiteral("System Settings")));
+        QCOMPARE(items.mid(items.size() - 6),
+                 (QStringList{"About Quillon", "Check for Updates…", "Send Feedback…", "Settings…", "---", "Quit Quillon"}));
+        QCOMPARE(m_menu->menu()->actions().last()->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+
+        m_preferences->setValue(QStringLiteral("ShowSearch"), false);
+        m_menu->rebuild();
+        QVERIFY(shown().first().startsWith(QStringLiteral("Applications")));
+    }
+
+    void separatorsAndEmptyLayouts()
+    {
+        const auto layout = m_store->layout();
+        for (const auto &entry : layout)
+            m_store->setStyle(SourceStyle::Hidden, entry.source);
+        m_menu->rebuild();
+        QCOMPARE(shown().mid(2, 2), (QStringList{"No Items  (disabled)", "---"}));
+
+        // Separators at the start, twice in a row and at the end show as one.
+        m_store->addSeparator();
+        m_store->addSeparator();
+        m_store->setStyle(SourceStyle::Submenu, MenuSource::systemSettings());
+        m_store->addSeparator();
+        m_store->addSeparator();
+        m_store->move({MenuSource::systemSettings()}, MenuSource::separator(m_store->separators().at(2)));
+        m_menu->rebuild();
+        const QStringList items = shown();
+        QVERIFY2(items.at(2).startsWith(QStringLiteral("System Settings")), qPrintable(items.join(QLatin1Char('\n'))));
+        QCOMPARE(items.at(3), QStringLiteral("---"));
+        QVERIFY(items.at(4).startsWith(QStringLiteral("About")));
+    }
+
+    void inlineSourcesAndUnavailableOnes()
+    {
+        m_store->setStyle(SourceStyle::Inline, MenuSource::systemSettings());
+        m_store->recordRecent(QUrl(QStringLiteral("settings://gnome/bluetooth")));
+        m_store->setStyle(SourceStyle::Inline, MenuSource::recents());
+        m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("vanished/"))));
+        m_menu->rebuild();
+        const QString text = menuText(m_menu->menu(), 1);
+        QVERIFY2(text.contains(QStringLiteral("\nWi-Fi  <settings://gnome/wifi>\nBluetooth  <settings://gnome/bluetooth>\n")),
+                 qPrintable(text));
+        QVERIFY(text.contains(QStringLiteral("\nBluetooth  <settings://gnome/bluetooth>\n---\nClear Menu\n")));
+        QVERIFY(text.contains(QStringLiteral("vanished  (disabled)  ▸")));
+    }
+
+    void lazySubmenusFillOnce()
+    {
+        int fills = 0;
+        QMenu parent;
+        auto *lazy = new LazyMenu([&](QMenu *m) { ++fills; Q_UNUSED(m); }, QStringLiteral("No Items"), &parent);
+        lazy->fillIfNeeded();
+        lazy->fillIfNeeded();
+        Q_EMIT lazy->aboutToShow();
+        QCOMPARE(fills, 1);
+        QCOMPARE(lazy->actions().size(), 1);
+        QVERIFY(!lazy->actions().first()->isEnabled());
+
+        m_menu->rebuild();
+        QVERIFY(menuText(m_menu->menu(), 2).contains(QStringLiteral("  Wi-Fi  <settings://gnome/wifi>")));
+    }
+
+    void typingSearchesAndReturnOpensTheFirstResult()
+    {
+        m_menu->rebuild();
+        m_menu->setSearchText(QStringLiteral("   "));
+        QVERIFY(shown().at(2).startsWith(QStringLiteral("Applications")));
+        m_menu->setSearchText(QStringLiteral("blue"));
+        QCOMPARE(shown().mid(0, 4), (QStringList{"(search field)", "---", "Bluetooth  <settings://gnome/bluetooth>", "---"}));
+        m_menu->setSearchText(QStringLiteral("zzz"));
+        QCOMPARE(shown().at(2), QStringLiteral("No Items  (disabled)"));
+
+        m_menu->setSearchText(QStringLiteral("i"));
+        QLineEdit *field = m_menu->menu()->findChild<QLineEdit *>();
+        if (!field)
+            field = qobject_cast<QWidgetAction *>(m_menu->menu()->actions().first())->defaultWidget()->findChild<QLineEdit *>();
+        QVERIFY(field);
+        Q_EMIT field->returnPressed();
+        QCOMPARE(m_launcher.opened, QList{QUrl(QStringLiteral("run:gnome-control-center wifi"))});
+        QCOMPARE(m_store->recents().first(), QUrl(QStringLiteral("settings://gnome/wifi")));
+    }
+
+    void menuIconsAreSixteenPoints()
+    {
+        QPixmap large(32, 32);
+        large.fill(Qt::red);
+        QCOMPARE(menuSizePixmap(large).size(), QSize(16, 16));
+        QPixmap small(12, 12);
+        small.fill(Qt::red);
+        QCOMPARE(menuSizePixmap(small).size(), QSize(12, 12));
+        QCOMPARE(menuSizeIcon(QIcon(large)).availableSizes(), QList{QSize(16, 16)});
+    }
+};
+
+QTEST_MAIN(TestStatusMenu)
+#include "test_statusmenu.moc"

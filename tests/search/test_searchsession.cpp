@@ -1,0 +1,222 @@
+#include "catalog/destination.h"
+#include "catalog/systemstrings.h"
+#include "config/menustore.h"
+#include "config/preferences.h"
+#include "config/urls.h"
+#include "search/searchsession.h"
+#include "search/textmatch.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+Pane pane(const QString &id, const QString &name, QList<Item> items = {}, std::optional<QList<QList<QString>>> children = {})
+{
+    Pane p;
+    p.id = id;
+    p.name = name;
+    p.url = QUrl(QStringLiteral("settings://gnome/") + id);
+    if (!items.isEmpty())
+        p.sections = {ItemSection{std::nullopt, std::nullopt, items}};
+    p.children = children;
+    return p;
+}
+
+Item item(const QString &label, const QString &url, Kind kind = Kind::Page)
+{
+    Item i;
+    i.label = label;
+    i.kind = kind;
+    i.url = QUrl(url);
+    return i;
+}
+
+App app(const QString &name)
+{
+    return App{name, QUrl::fromLocalFile(QStringLiteral("/usr/share/applications/%1.desktop").arg(name)), {}};
+}
+
+QStringList titles(const SearchGroup &group)
+{
+    QStringList result;
+    for (const auto &r : group.results)
+        result.append(r.title);
+    return result;
+}
+
+} // namespace
+
+class TestSearchSession : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    Catalog m_catalog;
+    QHash<QUrl, Destination> m_index;
+    std::unique_ptr<SystemStrings> m_strings;
+    QList<App> m_apps;
+    int m_scans = 0;
+    int m_listings = 0;
+
+    SearchContext context()
+    {
+        SearchContext c;
+        c.catalog = &m_catalog;
+        c.destinations = &m_index;
+        c.strings = m_strings.get();
+        c.scanApps = [this] {
+            ++m_scans;
+            return m_apps;
+        };
+        c.listFolder = [this](const FolderSource &folder) {
+            ++m_listings;
+            return FolderListing::list(folder.url, folder.sort);
+        };
+        c.applicationsTitle = QStringLiteral("Applications");
+        c.shortcutsTitle = QStringLiteral("Shortcuts");
+        return c;
+    }
+
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<MenuStore> m_store;
+    MenuStore &freshStore()
+    {
+        static int n = 0;
+        m_store.reset();
+        m_preferences = std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("p%1.conf").arg(++n)));
+        m_store = std::make_unique<MenuStore>(*m_preferences);
+        return *m_store;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_catalog.osVersion = QStringLiteral("43");
+        m_catalog.sections = {{QStringLiteral("wifi"), QStringLiteral("missing"), QStringLiteral("privacy")},
+                              {QStringLiteral("online-accounts")}};
+        m_catalog.panes = {
+            pane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"),
+                 {item(QStringLiteral("Create Hotspot"), QStringLiteral("settings://gnome/wifi/create-wifi"), Kind::Sheet)}),
+            pane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
+                 QList<QList<QString>>{{QStringLiteral("location"), QStringLiteral("camera")}}),
+            pane(QStringLiteral("location"), QStringLiteral("Location Services")),
+            pane(QStringLiteral("camera"), QStringLiteral("Camera")),
+            pane(QStringLiteral("online-accounts"), QStringLiteral("Online Accounts"),
+                 {item(QStringLiteral("Add Google Account"), QStringLiteral("settings://gnome/online-accounts/add/google")),
+                  item(QStringLiteral("Add Nextcloud Account"), QStringLiteral("settings://gnome/online-accounts/add/owncloud"))}),
+        };
+        m_index = Destination::buildIndex(m_catalog);
+        m_strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
+        m_apps = {app(QStringLiteral("Visual Studio")), app(QStringLiteral("Safari")), app(QStringLiteral("Écran")),
+                  app(QStringLiteral("Sane Scanner")), app(QStringLiteral("Straße"))};
+    }
+
+    void foldingIgnoresCaseAndAccents()
+    {
+        QVERIFY(TextMatcher(QStringLiteral("e")).matches(foldForSearch(QStringLiteral("Écran"))));
+        QVERIFY(TextMatcher(QStringLiteral("STRASSE")).matches(foldForSearch(QStringLiteral("Straße"))));
+        QVERIFY(TextMatcher(QStringLiteral("ecr")).isPrefixOf(foldForSearch(QStringLiteral("Écran"))));
+        QVERIFY(!TextMatcher(QString()).matches(foldForSearch(QStringLiteral("anything"))));
+        QVERIFY(!TextMatcher(QStringLiteral("x")).matches(foldForSearch(QStringLiteral("Écran"))));
+    }
+
+    void onlyWhatTheMenusReach()
+    {
+        MenuStore &store = freshStore();
+        const auto layout = store.layout();
+        for (const auto &entry : layout)
+            store.setStyle(SourceStyle::Hidden, entry.source);
+        SearchSession hidden(store, context());
+        QVERIFY(hidden.search(QStringLiteral("a"), 10).isEmpty());
+
+        // A custom menu holding one application opens the whole Applications group.
+        const auto menu = store.addMenu(QStringLiteral("Mine"));
+        store.setIncluded(true, m_apps.first().url, menu.id);
+        SearchSession throughMenu(store, context());
+        const auto groups = throughMenu.search(QStringLiteral("sa"), 10);
+        QCOMPARE(groups.size(), 1);
+        QCOMPARE(groups.first().title, QStringLiteral("Applications"));
+        // A settings place in a visible menu opens System Settings.
+        store.setIncluded(true, QUrl(QStringLiteral("settings://gnome/camera")), menu.id);
+        QCOMPARE(SearchSession(store, context()).search(QStringLiteral("cam"), 10).size(), 1);
+        // Hiding the menu closes both again.
+        store.setStyle(SourceStyle::Hidden, MenuSource::customMenu(menu.id));
+        QVERIFY(SearchSession(store, context()).search(QStringLiteral("a"), 10).isEmpty());
+    }
+
+    void applicationsRankPrefixesFirst()
+    {
+        MenuStore &store = freshStore();
+        SearchSession session(store, context());
+        m_scans = 0;
+        // Names that begin with the query first, each part in library order.
+        const auto groups = session.search(QStringLiteral("s"), 10);
+        QCOMPARE(titles(groups.first()), (QStringList{"Safari", "Sane Scanner", "Straße", "Visual Studio"}));
+        QCOMPARE(titles(session.search(QStringLiteral("e"), 2).first()), (QStringList{"Écran", "Sane Scanner"}));
+        QCOMPARE(titles(session.search(QStringLiteral("s"), 1).first()), QStringList{"Safari"});
+        QVERIFY(session.search(QStringLiteral("sa"), 0).isEmpty());
+        QCOMPARE(m_scans, 1);
+    }
+
+    void settingsPlacesInCatalogOrder()
+    {
+        MenuStore &store = freshStore();
+        SearchSession session(store, context());
+        auto groups = session.search(QStringLiteral("a"), 40);
+        const auto settings = std::find_if(groups.begin(), groups.end(),
+                                           [](const SearchGroup &g) { return g.title == QLatin1String("System Settings"); });
+        QVERIFY(settings != groups.end());
+        QCOMPARE(titles(*settings), (QStringList{"Wi-Fi › Create Hotspot…", "Privacy", "Location Services", "Camera",
+                                                 "Online Accounts", "Online Accounts › Add Google Account",
+                                                 "Online Accounts › Add Nextcloud Account"}));
+        QCOMPARE(settings->results.first().url, QUrl(QStringLiteral("settings://gnome/wifi/create-wifi")));
+        groups = session.search(QStringLiteral("account"), 2);
+        QCOMPARE(titles(groups.last()), (QStringList{"Online Accounts", "Online Accounts › Add Google Account"}));
+    }
+
+    void foldersAreListedOncePerSession()
+    {
+        QTemporaryDir folder;
+        for (const char *name : {"Report.pdf", "report-2.txt", "notes.md", ".hidden-report"}) {
+            QFile file(folder.filePath(QLatin1String(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        MenuStore &store = freshStore();
+        store.addFolder(QUrl::fromLocalFile(folder.path() + QLatin1Char('/')));
+        SearchSession session(store, context());
+        m_listings = 0;
+        auto groups = session.search(QStringLiteral("report"), 10);
+        QCOMPARE(groups.last().title, QFileInfo(folder.path()).fileName());
+        QCOMPARE(titles(groups.last()), (QStringList{"report-2.txt", "Report.pdf"}));
+        // The extension is not searched.
+        QVERIFY(session.search(QStringLiteral("md"), 10).isEmpty() || titles(session.search(QStringLiteral("md"), 10).last()).isEmpty());
+        session.search(QStringLiteral("notes"), 10);
+        QCOMPARE(m_listings, 1);
+    }
+
+    void storedAddressesAreDescribed()
+    {
+        MenuStore &store = freshStore();
+        SearchSession session(store, context());
+        QCOMPARE(session.entry(QUrl(QStringLiteral("settings://gnome/wifi/create-wifi")))->title,
+                 QStringLiteral("Wi-Fi › Create Hotspot…"));
+        QCOMPARE(session.entry(QUrl(QStringLiteral("settings://gnome/camera")))->title, QStringLiteral("Camera"));
+        QVERIFY(!session.entry(QUrl(QStringLiteral("settings://gnome/nowhere"))));
+        QVERIFY(!session.entry(shortcutURL(QStringLiteral("X"))));
+        QVERIFY(!session.entry(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("gone.txt")))));
+
+        const QString desktop = m_dir.filePath(QStringLiteral("org.example.Editor.desktop"));
+        QFile file(desktop);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[Desktop Entry]\nType=Application\nName=Text Editor\nExec=true\n");
+        file.close();
+        const auto entry = session.entry(QUrl::fromLocalFile(desktop));
+        QCOMPARE(entry->title, QStringLiteral("Text Editor"));
+        QCOMPARE(entry->icon, ResultIcon(FileIcon{desktop}));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSearchSession)
+#include "test_searchsession.moc"
