@@ -178,7 +178,7 @@ QIcon MenuBuilder::iconFor(const ResultIcon &icon)
 
 QAction *MenuBuilder::addOpenableItem(QMenu *menu, const QString &title, const QUrl &url, const QIcon &icon)
 {
-    QAction *action = menu->addAction(menuSizeIcon(icon), title);
+    QAction *action = menu->addAction(menuSizeIcon(icon), menuTitle(title));
     action->setData(url);
     QObject::connect(action, &QAction::triggered, menu, [open = m_open, url] { open(url); });
     return action;
@@ -187,7 +187,7 @@ QAction *MenuBuilder::addOpenableItem(QMenu *menu, const QString &title, const Q
 QMenu *MenuBuilder::addSubmenu(QMenu *menu, const QString &title, const QIcon &icon, std::function<void(QMenu *)> fill)
 {
     auto *submenu = new LazyMenu(std::move(fill), emptyTitle(), menu);
-    submenu->setTitle(title);
+    submenu->setTitle(menuTitle(title));
     submenu->setIcon(menuSizeIcon(icon));
     menu->addMenu(submenu);
     return submenu;
@@ -334,7 +334,7 @@ void MenuBuilder::addRecents(QMenu *menu)
     if (menu->actions().isEmpty())
         return;
     menu->addSeparator();
-    QAction *clear = menu->addAction(m_context.strings.text(SystemString::ClearMenu));
+    QAction *clear = menu->addAction(menuTitle(m_context.strings.text(SystemString::ClearMenu)));
     QObject::connect(clear, &QAction::triggered, menu, [clearRecents = m_clearRecents] { clearRecents(); });
 }
 
@@ -417,7 +417,7 @@ void MenuBuilder::addNode(QMenu *menu, const CustomMenuNode &node)
     if (!node.isPicked) {
         // A pane shown only for what was picked inside it: its name heads
         // the picked places.
-        menu->addSection(name);
+        menu->addSection(menuTitle(name));
         addNodes(menu, node.children, node.items);
         return;
     }

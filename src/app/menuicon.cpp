@@ -28,3 +28,8 @@ QIcon menuSizeIcon(const QIcon &icon)
         return icon;
     return QIcon(menuSizePixmap(pixmap));
 }
+
+QString menuTitle(QString text)
+{
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
+}

@@ -9,12 +9,18 @@
 
 namespace {
 
+// What the person sees: "&&" shows as "&".
+QString shown(QString text)
+{
+    return text.replace(QLatin1String("&&"), QLatin1String("&"));
+}
+
 void print(QMenu *menu, int level, int depth, QString &out)
 {
     const QString indent(level * 2, QLatin1Char(' '));
     for (QAction *action : menu->actions()) {
         if (action->isSeparator()) {
-            out += indent + (action->text().isEmpty() ? QStringLiteral("---") : QLatin1Char('[') + action->text() + QLatin1Char(']'))
+            out += indent + (action->text().isEmpty() ? QStringLiteral("---") : QLatin1Char('[') + shown(action->text()) + QLatin1Char(']'))
                 + QLatin1Char('\n');
             continue;
         }
@@ -22,7 +28,7 @@ void print(QMenu *menu, int level, int depth, QString &out)
             out += indent + QStringLiteral("(search field)\n");
             continue;
         }
-        QString line = indent + action->text();
+        QString line = indent + shown(action->text());
         if (!action->isEnabled())
             line += QStringLiteral("  (disabled)");
         const QUrl url = action->data().toUrl();

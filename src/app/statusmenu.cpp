@@ -188,7 +188,7 @@ void StatusMenu::addLayout()
     removeSuperfluousSeparators(start);
     markUnavailableFiles(start);
     if (m_menu->actions().size() == start)
-        m_menu->addAction(m_builder.emptyTitle())->setEnabled(false);
+        m_menu->addAction(menuTitle(m_builder.emptyTitle()))->setEnabled(false);
 }
 
 void StatusMenu::addSearchResults(const QString &query)
@@ -196,12 +196,12 @@ void StatusMenu::addSearchResults(const QString &query)
     const qsizetype start = m_menu->actions().size();
     const QList<SearchGroup> groups = m_session->search(query, maxResults);
     if (groups.isEmpty()) {
-        m_menu->addAction(m_builder.emptyTitle())->setEnabled(false);
+        m_menu->addAction(menuTitle(m_builder.emptyTitle()))->setEnabled(false);
         return;
     }
     for (const auto &group : groups) {
         if (groups.size() > 1)
-            m_menu->addSection(group.title);
+            m_menu->addSection(menuTitle(group.title));
         for (const auto &result : group.results)
             m_builder.addOpenableItem(m_menu.get(), result.title, result.url,
                                       result.icon ? MenuBuilder::iconFor(*result.icon) : QIcon());
@@ -241,7 +241,7 @@ void StatusMenu::markUnavailableFiles(qsizetype from)
 void StatusMenu::addCommands()
 {
     SystemStrings &strings = m_services.content.strings;
-    QAction *about = m_menu->addAction(withName(strings.text(SystemString::About)));
+    QAction *about = m_menu->addAction(menuTitle(withName(strings.text(SystemString::About))));
     connect(about, &QAction::triggered, this, &StatusMenu::showAbout);
 
     Updates &updates = m_services.updates;
@@ -249,22 +249,22 @@ void StatusMenu::addCommands()
     if (updates.hasPendingUpdate()) {
         static const QIcon arrow = QIcon::fromTheme(QStringLiteral("go-down"),
                                                     QIcon::fromTheme(QStringLiteral("software-update-available")));
-        update = m_menu->addAction(menuSizeIcon(arrow), strings.text(SystemString::UpdateAvailable));
+        update = m_menu->addAction(menuSizeIcon(arrow), menuTitle(strings.text(SystemString::UpdateAvailable)));
     } else {
-        update = m_menu->addAction(strings.text(SystemString::CheckForUpdates) + QStringLiteral("…"));
+        update = m_menu->addAction(menuTitle(strings.text(SystemString::CheckForUpdates) + QStringLiteral("…")));
     }
     // Builds without a feed say so in the window the item opens.
     connect(update, &QAction::triggered, &updates, &Updates::checkForUpdates);
 
-    QAction *feedback = m_menu->addAction(strings.text(SystemString::SendFeedback) + QStringLiteral("…"));
+    QAction *feedback = m_menu->addAction(menuTitle(strings.text(SystemString::SendFeedback) + QStringLiteral("…")));
     connect(feedback, &QAction::triggered, this, &StatusMenu::sendFeedback);
 
-    QAction *settings = m_menu->addAction(strings.text(SystemString::Settings));
+    QAction *settings = m_menu->addAction(menuTitle(strings.text(SystemString::Settings)));
     settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
     connect(settings, &QAction::triggered, this, [this] { m_openSettings(); });
 
     m_menu->addSeparator();
-    QAction *quit = m_menu->addAction(withName(strings.text(SystemString::QuitApp)));
+    QAction *quit = m_menu->addAction(menuTitle(withName(strings.text(SystemString::QuitApp))));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     connect(quit, &QAction::triggered, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
