@@ -1,0 +1,154 @@
+// Opening the menu and typing into its search, over a sizeable setup: the
+// default layout plus 3 custom menus, 4 folders and 20 shortcuts; 2,000
+// applications, the GNOME catalog, 500 shortcuts and 4 folders of 200 files.
+#include "app/appservices.h"
+#include "app/statusmenu.h"
+#include "catalog/destination.h"
+#include "catalog/systemstrings.h"
+#include "config/urls.h"
+#include "platform/fileicons.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+QTemporaryDir *root;
+
+void write(const QString &path, const QByteArray &contents)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(contents);
+}
+
+// A shortcuts tool that lists 500 shortcuts in five folders.
+void writeShortcutsTool(const QString &path)
+{
+    QByteArray script = "#!/bin/sh\ncase \"$*\" in\n";
+    script += "*--folders*) for f in 1 2 3 4 5; do echo \"Folder $f (00000000-0000-4000-8000-00000000000$f)\"; done ;;\n";
+    script += "*none*) i=0; while [ $i -lt 100 ]; do printf 'Loose %d (00000000-0000-4000-8000-%012d)\\n' $i $i; i=$((i+1)); done ;;\n";
+    script += "*) i=0; while [ $i -lt 80 ]; do printf 'Task %d (10000000-0000-4000-8000-%012d)\\n' $i $i; i=$((i+1)); done ;;\n";
+    script += "esac\n";
+    write(path, script);
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void prepare()
+{
+    root = new QTemporaryDir;
+    const QString home = root->filePath(QStringLiteral("home"));
+    qputenv("HOME", home.toUtf8());
+    qputenv("XDG_CONFIG_HOME", (home + QStringLiteral("/.config")).toUtf8());
+    qputenv("XDG_DATA_HOME", (home + QStringLiteral("/.local/share")).toUtf8());
+    qputenv("XDG_CURRENT_DESKTOP", "GNOME");
+    for (int i = 0; i < 2000; ++i) {
+        write(home + QStringLiteral("/.local/share/applications/app-%1.desktop").arg(i),
+              QStringLiteral("[Desktop Entry]\nType=Application\nName=Application %1\nExec=true\nIcon=app-%1\n"
+                             "Categories=%2;\n")
+                  .arg(i)
+                  .arg(QStringList{"Utility", "Office", "Graphics", "Development", "Game"}.at(i % 5))
+                  .toUtf8());
+    }
+    for (int f = 0; f < 4; ++f) {
+        for (int i = 0; i < 200; ++i)
+            write(home + QStringLiteral("/Folder%1/Document %2.txt").arg(f).arg(i), "x");
+    }
+}
+
+struct Setup {
+    AppServices services;
+    std::unique_ptr<StatusMenu> menu;
+
+    Setup()
+    {
+        writeShortcutsTool(root->filePath(QStringLiteral("shortcuts-tool")));
+        MenuStore &store = services.store;
+        if (store.menus().isEmpty()) {
+            for (int m = 0; m < 3; ++m) {
+                const auto menu = store.addMenu(QStringLiteral("Menu %1").arg(m));
+                store.setIncluded(true, QUrl(QStringLiteral("settings://gnome/wifi")), menu.id);
+                store.setIncluded(true, QUrl(QStringLiteral("settings://gnome/display")), menu.id);
+            }
+            for (int f = 0; f < 4; ++f)
+                store.addFolder(QUrl::fromLocalFile(QDir::homePath() + QStringLiteral("/Folder%1/").arg(f)));
+            for (int s = 0; s < 20; ++s)
+                store.addShortcutSource(MenuSource::shortcut(
+                    {QStringLiteral("10000000-0000-4000-8000-%1").arg(s, 12, 10, QLatin1Char('0')), QStringLiteral("Task %1").arg(s)}));
+        }
+        menu = std::make_unique<StatusMenu>(services.statusMenuServices(), [] {});
+    }
+};
+
+void rebuildTopLevel(benchmark::State &state)
+{
+    Setup setup;
+    for (auto _ : state) {
+        setup.menu->rebuild();
+        benchmark::DoNotOptimize(setup.menu->menu()->actions().size());
+    }
+}
+BENCHMARK(rebuildTopLevel)->Unit(benchmark::kMillisecond);
+
+SearchContext searchContext(Setup &setup)
+{
+    SearchContext context = SearchContext::shared(setup.services.shortcuts);
+    return context;
+}
+
+void loadShortcuts(ShortcutLibrary &library)
+{
+    library.refresh();
+    QElapsedTimer waited;
+    waited.start();
+    while (!library.hasLoaded() && waited.elapsed() < 10000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+}
+
+void firstSearchWithAppScan(benchmark::State &state)
+{
+    Setup setup;
+    for (auto _ : state) {
+        SearchSession session(setup.services.store, searchContext(setup));
+        benchmark::DoNotOptimize(session.search(QStringLiteral("a"), 12));
+    }
+}
+BENCHMARK(firstSearchWithAppScan)->Unit(benchmark::kMillisecond);
+
+void searchKeystroke(benchmark::State &state)
+{
+    Setup setup;
+    ShortcutLibrary library(root->filePath(QStringLiteral("shortcuts-tool")));
+    loadShortcuts(library);
+    if (library.allShortcuts().size() != 500)
+        state.SkipWithError("the shortcuts tool did not load");
+    SearchSession session(setup.services.store, SearchContext::shared(library));
+    session.search(QStringLiteral("d"), 12); // the first keystroke fills the caches
+    const QStringList queries{QStringLiteral("do"), QStringLiteral("doc"), QStringLiteral("docu"), QStringLiteral("ta"),
+                              QStringLiteral("wi"), QStringLiteral("app")};
+    qsizetype i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(session.search(queries.at(i++ % queries.size()), 12));
+}
+BENCHMARK(searchKeystroke)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    prepare();
+    QApplication app(argc, argv);
+    ensureIconTheme();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    delete root;
+    return 0;
+}
