@@ -6,13 +6,7 @@
 set -euo pipefail
 quillon=$1
 artifacts=$2
-mkdir -p "$artifacts"
-home=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$home"' EXIT
-
-export HOME="$home" XDG_CONFIG_HOME="$home/config" XDG_DATA_HOME="$home/data" XDG_CACHE_HOME="$home/cache"
-export XDG_CURRENT_DESKTOP=GNOME LANGUAGE=en
-mkdir -p "$XDG_DATA_HOME/applications"
+source "$(dirname "$0")/session.sh"
 marker="$home/opened"
 cat > "$XDG_DATA_HOME/applications/org.example.QuillonMarker.desktop" <<ENTRY
 [Desktop Entry]
@@ -22,19 +16,12 @@ Exec=touch $marker
 Categories=Utility;
 ENTRY
 
-fail() { echo "FAIL: $*" >&2; import -window root "$artifacts/failure.png" 2>/dev/null || true; exit 1; }
-shot() { import -window root "$artifacts/$1.png"; echo "screenshot: $artifacts/$1.png"; }
-
-trayer --edge top --align right --widthtype request --height 28 --SetDockType true >/dev/null 2>&1 &
-sleep 1
+start_tray
 "$quillon" >"$artifacts/quillon.log" 2>&1 &
 pid=$!
 
-# The menu opens by itself: a popup window of Quillon's becomes visible.
-for _ in $(seq 1 60); do
-  xdotool search --onlyvisible --class quillon >/dev/null 2>&1 && break
-  sleep 0.1
-done
+# Started by hand, it opens its menu by itself.
+wait_for_menus 1 80 || fail "the menu did not open on start"
 kill -0 "$pid" 2>/dev/null || fail "quillon exited"
 sleep 0.5
 shot menu
@@ -43,8 +30,7 @@ shot menu
 xdotool key Down Right
 sleep 0.7
 shot applications
-popups=$(xdotool search --onlyvisible --class quillon | wc -l)
-[ "$popups" -ge 2 ] || fail "the Applications submenu did not open"
+[ "$(menus)" -ge 2 ] || fail "the Applications submenu did not open"
 xdotool key Escape
 sleep 0.3
 

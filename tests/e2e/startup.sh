@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Start-up as a person meets it: a login launch shows only the icon; starting
+# quillon again opens the running one's menu and leaves at once; a launch by
+# hand opens the menu by itself; one instance only.
+# Run as: xvfb-run -a dbus-run-session -- startup.sh <quillon> <artifacts>
+set -euo pipefail
+quillon=$1
+artifacts=$2
+source "$(dirname "$0")/session.sh"
+
+start_tray
+"$quillon" --autostart >"$artifacts/quillon.log" 2>&1 &
+first=$!
+sleep 3
+kill -0 "$first" 2>/dev/null || fail "quillon --autostart exited"
+[ "$(menus)" -eq 0 ] || fail "a login launch opened the menu"
+shot login
+
+# A second quillon hands over to the first and leaves.
+timeout 10 "$quillon" || fail "the second quillon did not leave cleanly"
+wait_for_menus 1 30 || fail "the second launch did not open the first one's menu"
+shot reopened
+kill -0 "$first" 2>/dev/null || fail "the first quillon went away"
+xdotool key Escape
+sleep 0.5
+[ "$(menus)" -eq 0 ] || fail "Escape did not close the menu"
+
+# The commands for desktop keyboard settings reach the running one.
+timeout 10 "$quillon" --settings || fail "quillon --settings failed"
+for _ in $(seq 1 30); do
+  xdotool search --onlyvisible --name "Quillon Settings" >/dev/null 2>&1 && break
+  sleep 0.1
+done
+xdotool search --onlyvisible --name "Quillon Settings" >/dev/null || fail "the settings window did not show"
+shot settings
+kill "$first"
+wait "$first" 2>/dev/null || true
+if timeout 10 "$quillon" --menu 2>/dev/null; then fail "--menu succeeded with nothing running"; fi
+
+# Started by hand, it opens its menu by itself.
+"$quillon" >>"$artifacts/quillon.log" 2>&1 &
+wait_for_menus 1 80 || fail "a launch by hand did not open the menu"
+shot manual
+echo "1 passed, 0 failed"
