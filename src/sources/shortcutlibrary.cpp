@@ -44,6 +44,15 @@ ShortcutLibrary::ShortcutLibrary(QObject *parent) : ShortcutLibrary(QString(), p
 
 ShortcutLibrary::ShortcutLibrary(const QString &toolPath, QObject *parent) : QObject(parent), m_toolPath(toolPath) {}
 
+ShortcutLibrary::~ShortcutLibrary()
+{
+    for (QProcess *process : findChildren<QProcess *>(Qt::FindDirectChildrenOnly)) {
+        process->disconnect(this);
+        process->kill();
+        process->waitForFinished(1000);
+    }
+}
+
 QString ShortcutLibrary::defaultToolPath()
 {
     const QFileInfo besideApp(QCoreApplication::applicationDirPath() + QLatin1Char('/') + toolName);

@@ -60,6 +60,8 @@ public:
     // The tool next to the quillon binary, else the one on PATH.
     explicit ShortcutLibrary(QObject *parent = nullptr);
     ShortcutLibrary(const QString &toolPath, QObject *parent = nullptr);
+    // Stops a listing still running: its answer has nobody left to hear it.
+    ~ShortcutLibrary() override;
 
     static QString defaultToolPath();
     QString toolPath() const;

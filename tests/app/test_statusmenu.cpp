@@ -207,6 +207,34 @@ private Q_SLOTS:
         QCOMPARE(m_store->recents().first(), QUrl(QStringLiteral("settings://gnome/wifi")));
     }
 
+    void aPendingUpdateShowsInTheMenu()
+    {
+        const QString feed = m_dir.filePath(QStringLiteral("appcast.xml"));
+        QFile file(feed);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<rss xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><item>"
+                   "<enclosure url=\"https://quillon.app/q.tar.gz\" sparkle:version=\"2.0\"/></item></channel></rss>");
+        file.close();
+        Updates updates(*m_preferences, QUrl::fromLocalFile(feed), QStringLiteral("1.0"));
+        StatusMenu::Services services{
+            MenuBuilder::Context{*m_store, *m_shortcuts, *m_strings, m_catalog, m_index}, *m_preferences, updates,
+            *m_opener, [this] { return SearchContext{&m_catalog, &m_index, m_strings.get(), m_shortcuts.get(), {}, {}, {}, {}}; }};
+        StatusMenu menu(services, [] {});
+
+        updates.runScheduledCheckIfDue();
+        QTRY_VERIFY(updates.hasPendingUpdate());
+        menu.rebuild();
+        QAction *item = menu.menu()->actions().at(menu.menu()->actions().size() - 5);
+        QCOMPARE(item->text(), QStringLiteral("Update Available"));
+        QVERIFY(!item->icon().isNull() || QIcon::themeName().isEmpty());
+
+        // Choosing it is the user's own check: the flag clears.
+        item->trigger();
+        QVERIFY(!updates.hasPendingUpdate());
+        menu.rebuild();
+        QCOMPARE(menu.menu()->actions().at(menu.menu()->actions().size() - 5)->text(), QStringLiteral("Check for Updates…"));
+    }
+
     void menuIconsAreSixteenPoints()
     {
         QPixmap large(32, 32);
