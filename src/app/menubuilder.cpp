@@ -173,7 +173,7 @@ QIcon MenuBuilder::iconFor(const ResultIcon &icon)
         return iconForFile(file->path);
     if (const auto *named = std::get_if<NamedIcon>(&icon))
         return iconForName(named->name);
-    return PaneIcon::image(std::get<CatalogIcon>(icon).spec);
+    return PaneIcon::image(std::get<CatalogIcon>(icon).description);
 }
 
 QAction *MenuBuilder::addOpenableItem(QMenu *menu, const QString &title, const QUrl &url, const QIcon &icon)

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The symbol's extent relative to the tile, unless the spec says otherwise.
+// The symbol's extent relative to the tile, unless the icon says otherwise.
 constexpr double defaultSizeFactor = 0.595;
 constexpr int iconPoints = 16;
 
@@ -84,13 +84,13 @@ QPixmap drawTile(const Tile &tile, qreal scale)
     return pixmap;
 }
 
-std::optional<QIcon> render(const IconSpec &spec)
+std::optional<QIcon> render(const IconSpec &description)
 {
-    const QIcon symbol = PaneIcon::symbolImage(spec);
-    if (spec.symbolBackground && !symbol.isNull()) {
+    const QIcon symbol = PaneIcon::symbolImage(description);
+    if (description.symbolBackground && !symbol.isNull()) {
         Tile tile;
         tile.symbol = symbol;
-        for (const auto &entry : *spec.symbolBackground) {
+        for (const auto &entry : *description.symbolBackground) {
             if (const auto color = colorOf(entry))
                 tile.gradient.append(*color);
         }
@@ -98,20 +98,20 @@ std::optional<QIcon> render(const IconSpec &spec)
             return std::nullopt;
         if (tile.gradient.size() == 1)
             tile.gradient.append(tile.gradient.first());
-        const auto rendering = spec.symbolRendering.value_or(SymbolRendering::White);
+        const auto rendering = description.symbolRendering.value_or(SymbolRendering::White);
         if (rendering == SymbolRendering::White)
             tile.tint = QColor(Qt::white);
         else if (rendering == SymbolRendering::Color)
-            tile.tint = spec.symbolColor ? colorOf(*spec.symbolColor).value_or(Qt::white) : QColor(Qt::white);
-        tile.sizeFactor = spec.symbolSize.value_or(defaultSizeFactor);
-        tile.mirrored = spec.symbolMirrored.value_or(false);
+            tile.tint = description.symbolColor ? colorOf(*description.symbolColor).value_or(Qt::white) : QColor(Qt::white);
+        tile.sizeFactor = description.symbolSize.value_or(defaultSizeFactor);
+        tile.mirrored = description.symbolMirrored.value_or(false);
         QIcon icon;
         icon.addPixmap(drawTile(tile, 1));
         icon.addPixmap(drawTile(tile, 2));
         return icon;
     }
-    if (spec.bundlePath && QFileInfo::exists(*spec.bundlePath)) {
-        const QIcon icon = iconForFile(*spec.bundlePath);
+    if (description.bundlePath && QFileInfo::exists(*description.bundlePath)) {
+        const QIcon icon = iconForFile(*description.bundlePath);
         if (!icon.isNull())
             return icon;
     }
@@ -120,30 +120,30 @@ std::optional<QIcon> render(const IconSpec &spec)
 
 } // namespace
 
-QIcon PaneIcon::image(const IconSpec &spec)
+QIcon PaneIcon::image(const IconSpec &description)
 {
     QUILLON_ASSERT_MAIN_THREAD();
     // A bare symbol is the theme's icon, drawn like the menu's text.
-    if (spec.symbol && !spec.symbolBackground)
-        return symbolImage(spec);
+    if (description.symbol && !description.symbolBackground)
+        return symbolImage(description);
     static QHash<IconSpec, QIcon> cache;
-    if (const auto hit = cache.constFind(spec); hit != cache.constEnd())
+    if (const auto hit = cache.constFind(description); hit != cache.constEnd())
         return *hit;
-    const auto rendered = render(spec);
+    const auto rendered = render(description);
     if (!rendered)
         return {};
-    cache.insert(spec, *rendered);
+    cache.insert(description, *rendered);
     return *rendered;
 }
 
-QIcon PaneIcon::symbolImage(const IconSpec &spec)
+QIcon PaneIcon::symbolImage(const IconSpec &description)
 {
-    if (!spec.symbol)
+    if (!description.symbol)
         return {};
-    if (QIcon::hasThemeIcon(*spec.symbol))
-        return QIcon::fromTheme(*spec.symbol);
-    if (spec.symbolFallback && QIcon::hasThemeIcon(*spec.symbolFallback))
-        return QIcon::fromTheme(*spec.symbolFallback);
+    if (QIcon::hasThemeIcon(*description.symbol))
+        return QIcon::fromTheme(*description.symbol);
+    if (description.symbolFallback && QIcon::hasThemeIcon(*description.symbolFallback))
+        return QIcon::fromTheme(*description.symbolFallback);
     return {};
 }
 

@@ -10,12 +10,12 @@
 class PaneIcon
 {
 public:
-    // The icon a spec describes, or a null icon. Tiles are drawn once per
-    // distinct spec and kept.
-    static QIcon image(const IconSpec &spec);
-    // The symbol a spec names: its own theme icon, else its fallback.
+    // The icon described, or a null icon. Tiles are drawn once per
+    // distinct description and kept.
+    static QIcon image(const IconSpec &description);
+    // The symbol named: its own theme icon, else its fallback.
     // Private symbols do not exist here, so they go to the fallback.
-    static QIcon symbolImage(const IconSpec &spec);
+    static QIcon symbolImage(const IconSpec &description);
     // The icon of the desktop's settings program.
     static QIcon settingsAppIcon();
 };

@@ -20,7 +20,7 @@ struct NamedIcon {
     bool operator==(const NamedIcon &) const = default;
 };
 struct CatalogIcon {
-    IconSpec spec;
+    IconSpec description;
     bool operator==(const CatalogIcon &) const = default;
 };
 using ResultIcon = std::variant<FileIcon, NamedIcon, CatalogIcon>;
