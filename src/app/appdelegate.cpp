@@ -77,6 +77,6 @@ void AppDelegate::handle(InstanceCommand command)
 void AppDelegate::showSettings()
 {
     if (!m_settings)
-        m_settings = std::make_unique<SettingsWindow>();
+        m_settings = std::make_unique<SettingsWindow>(m_services);
     m_settings->present();
 }

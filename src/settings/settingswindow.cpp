@@ -1,15 +1,18 @@
 #include "settings/settingswindow.h"
 
+#include "app/appservices.h"
 #include "catalog/systemstrings.h"
+#include "settings/generalpane.h"
 #include "sources/sourcetitles.h"
 
 #include <QIcon>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-SettingsWindow::SettingsWindow(QWidget *parent)
+SettingsWindow::SettingsWindow(AppServices &services, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , m_tabs(new QTabWidget(this))
+    , m_general(new GeneralPane(services.preferences, services.store, services.updates, m_tabs))
 {
     SystemStrings &strings = SystemStrings::shared();
     QString title = strings.text(SystemString::Settings);
@@ -17,8 +20,8 @@ SettingsWindow::SettingsWindow(QWidget *parent)
         title.chop(1);
     setWindowTitle(QStringLiteral("Quillon ") + title);
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
-    for (const QString &title : {strings.text(SystemString::General), strings.text(SystemString::Menus),
-                                 strings.text(SystemString::Content), applicationsTitle()})
+    m_tabs->addTab(m_general, strings.text(SystemString::General));
+    for (const QString &title : {strings.text(SystemString::Menus), strings.text(SystemString::Content), applicationsTitle()})
         m_tabs->addTab(new QWidget(m_tabs), title);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);

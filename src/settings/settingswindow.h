@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+class AppServices;
+class GeneralPane;
 class QTabWidget;
 
 // The settings window: general options, the user's menus, the content and
@@ -11,12 +13,14 @@ class SettingsWindow : public QWidget
     Q_OBJECT
 
 public:
-    explicit SettingsWindow(QWidget *parent = nullptr);
+    explicit SettingsWindow(AppServices &services, QWidget *parent = nullptr);
 
     QTabWidget *tabs() const { return m_tabs; }
+    GeneralPane *general() const { return m_general; }
     // Shows the window in front, with the keyboard.
     void present();
 
 private:
     QTabWidget *m_tabs;
+    GeneralPane *m_general;
 };
