@@ -1,10 +1,12 @@
 #include "app/appdelegate.h"
 
 #include "app/statusmenucontroller.h"
+#include "app/updatewindow.h"
 #include "common/mainthread.h"
 #include "platform/trayhostwatch.h"
 #include "settings/settingswindow.h"
 
+#include <QCoreApplication>
 #include <QMenu>
 #include <QTimer>
 
@@ -20,9 +22,22 @@ AppDelegate::AppDelegate(bool launchedAtLogin, QObject *parent)
     , m_launchedAtLogin(launchedAtLogin)
 {
     QUILLON_ASSERT_MAIN_THREAD();
+    // The user's own update check answers in a small window of its own.
+    connect(&m_services.updates, &Updates::userCheckStarted, this, [this] { updateWindow().showChecking(); });
+    connect(&m_services.updates, &Updates::userCheckFinished, this,
+            [this](const UpdateCheckResult &result) { updateWindow().showResult(result); });
 }
 
 AppDelegate::~AppDelegate() = default;
+
+UpdateWindow &AppDelegate::updateWindow()
+{
+    if (!m_updateWindow) {
+        m_updateWindow = std::make_unique<UpdateWindow>(QCoreApplication::applicationVersion(),
+                                                        [this](const QUrl &url) { m_services.opener.open(url); });
+    }
+    return *m_updateWindow;
+}
 
 void AppDelegate::start()
 {

@@ -8,6 +8,7 @@
 #include <memory>
 
 class SettingsWindow;
+class UpdateWindow;
 class StatusMenuController;
 class TrayHostWatch;
 
@@ -32,10 +33,12 @@ public:
 private:
     void finishLaunching();
     void openMenuWhenPlaced(int attempt);
+    UpdateWindow &updateWindow();
 
     bool m_launchedAtLogin;
     AppServices m_services;
     std::unique_ptr<TrayHostWatch> m_trayWatch;
     std::unique_ptr<StatusMenuController> m_statusMenu;
     std::unique_ptr<SettingsWindow> m_settings;
+    std::unique_ptr<UpdateWindow> m_updateWindow;
 };
