@@ -4,15 +4,6 @@
 
 namespace {
 
-template<typename E>
-Decoded<E> decodeCase(const QJsonValue &json, const char *typeName)
-{
-    const auto value = json.isString() ? enumFromString<E>(json.toString()) : std::nullopt;
-    if (!value)
-        return Decoded<E>::failure(QStringLiteral("expected a %1 case").arg(QLatin1String(typeName)));
-    return *value;
-}
-
 // Moves a decoded value into its field, or keeps the failure's description.
 // Chained with &&, the first failure stops the decoding of a record.
 template<typename T>
@@ -76,19 +67,19 @@ Decoded<QList<QString>> decode(const QJsonValue &json)
 template<>
 Decoded<Kind> decode(const QJsonValue &json)
 {
-    return decodeCase<Kind>(json, "Kind");
+    return decodeEnum<Kind>(json, "Kind");
 }
 
 template<>
 Decoded<LabelSource> decode(const QJsonValue &json)
 {
-    return decodeCase<LabelSource>(json, "LabelSource");
+    return decodeEnum<LabelSource>(json, "LabelSource");
 }
 
 template<>
 Decoded<SymbolRendering> decode(const QJsonValue &json)
 {
-    return decodeCase<SymbolRendering>(json, "SymbolRendering");
+    return decodeEnum<SymbolRendering>(json, "SymbolRendering");
 }
 
 template<>

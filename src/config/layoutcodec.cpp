@@ -8,16 +8,6 @@
 
 namespace {
 
-template<typename E>
-Decoded<E> decodeEnum(const QJsonValue &json, const char *typeName)
-{
-    if (!json.isString())
-        return Decoded<E>::failure(QStringLiteral("expected a %1 string").arg(QLatin1String(typeName)));
-    if (const auto value = enumFromString<E>(json.toString()))
-        return *value;
-    return Decoded<E>::failure(QStringLiteral("unknown %1 \"%2\"").arg(QLatin1String(typeName), json.toString()));
-}
-
 const QString payloadKey = QStringLiteral("_0");
 
 bool hasPayload(MenuSource::Case c)

@@ -18,6 +18,17 @@ QJsonValue encodeEnum(E value)
     return enumToString(value);
 }
 
+// An enumeration written as its case name; `typeName` names it in errors.
+template<NamedEnum E>
+Decoded<E> decodeEnum(const QJsonValue &json, const char *typeName)
+{
+    if (!json.isString())
+        return Decoded<E>::failure(QStringLiteral("expected a %1 string").arg(QLatin1String(typeName)));
+    if (const auto value = enumFromString<E>(json.toString()))
+        return *value;
+    return Decoded<E>::failure(QStringLiteral("unknown %1 \"%2\"").arg(QLatin1String(typeName), json.toString()));
+}
+
 QString encodeUuid(const QUuid &id);
 QJsonObject encode(const ShortcutRef &ref);
 QJsonObject encode(const MenuSource &source);

@@ -214,7 +214,7 @@ private Q_SLOTS:
         QTest::newRow("unknown kind")
             << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a",
                 "sections": [{"items": [{"label": "L", "kind": "window", "url": "x:b"}]}]}]}))
-            << QStringLiteral("\"panes\": [0]: pane \"a\": \"sections\": [0]: \"items\": [0]: \"kind\": expected a Kind case");
+            << QStringLiteral("\"panes\": [0]: pane \"a\": \"sections\": [0]: \"items\": [0]: \"kind\": unknown Kind \"window\"");
         QTest::newRow("bad url")
             << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "http://exa mple.org", "sections": []}]}))
             << QStringLiteral("\"panes\": [0]: pane \"a\": \"url\": expected a URL string");
