@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class SearchPanelController;
 class SettingsWindow;
 class StatusMenuController;
 class TrayHostWatch;
@@ -28,14 +29,18 @@ public:
 
     StatusMenuController *statusMenu() const { return m_statusMenu.get(); }
     void showSettings();
+    // The search hot key: shows the search panel, or closes it when shown.
+    void toggleSearchPanel();
 
 private:
     void finishLaunching();
     void openMenuWhenPlaced(int attempt);
+    SearchPanelController &searchPanel();
 
     bool m_launchedAtLogin;
     AppServices m_services;
     std::unique_ptr<TrayHostWatch> m_trayWatch;
     std::unique_ptr<StatusMenuController> m_statusMenu;
     std::unique_ptr<SettingsWindow> m_settings;
+    std::unique_ptr<SearchPanelController> m_searchPanel;
 };
