@@ -82,7 +82,10 @@ grep -q 'quillmark-writer.desktop' "$XDG_CONFIG_HOME/Quillon/Quillon.conf" || fa
 # Escape closes; so does the command a second time.
 "$quillon" --toggle-search
 wait_for panel_shown || fail "the panel did not show again"
-xdotool type --delay 40 quill
+# A broad query fills several groups; the list stops growing at its cap.
+xdotool type --delay 40 se
+sleep 0.5
+shot searchpanel-many
 xdotool key Escape
 wait_for '! panel_shown' || fail "Escape did not close the panel"
 "$quillon" --toggle-search
