@@ -88,9 +88,9 @@ void SearchPanelController::show()
         screen = QGuiApplication::primaryScreen();
     panel->moveBody(searchPanelOrigin(screen ? screen->availableGeometry() : QRect(), SearchPanelView::width));
 
+    // Set before showing, the field has the keyboard as soon as the window does.
     view->field()->setFocus(Qt::ActiveWindowFocusReason);
     panel->present();
-    view->field()->setFocus(Qt::ActiveWindowFocusReason);
     // Keys and clicks of the whole application pass by here while shown.
     qApp->installEventFilter(this);
 }

@@ -32,9 +32,9 @@ fail() {
   import -window root "$artifacts/searchpanel-failure.png" 2>/dev/null || true
   exit 1
 }
-# Waits up to about five seconds for a condition.
+# Waits up to about ten seconds for a condition.
 wait_for() {
-  for _ in $(seq 1 50); do
+  for _ in $(seq 1 100); do
     if eval "$1"; then return 0; fi
     sleep 0.1
   done
