@@ -27,7 +27,6 @@ QVariant SearchPanelRows::data(const QModelIndex &index, int role) const
     const Row &row = m_rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::ToolTipRole:
         return row.title;
     case Qt::DecorationRole:
         return row.icon;

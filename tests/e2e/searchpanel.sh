@@ -45,7 +45,6 @@ panel_shown() { [ -n "$(panel_window)" ]; }
 panel_height() { xdotool getwindowgeometry "$(panel_window)" | awk '/Geometry/ {split($2, s, "x"); print s[2]}'; }
 shot() { import -window root "$artifacts/$1.png"; }
 
-xsetroot -solid '#4a5668' 2>/dev/null || true
 trayer --edge top --align right --widthtype request --height 28 --transparent true \
   --alpha 0 --tint 0x2b2f36 --SetDockType true --expand true >/dev/null 2>&1 &
 # Started as at login, so the menu does not open by itself.
