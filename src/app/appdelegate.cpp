@@ -2,8 +2,10 @@
 
 #include "app/statusmenucontroller.h"
 #include "app/updatewindow.h"
+#include "catalog/systemstrings.h"
 #include "common/mainthread.h"
 #include "platform/trayhostwatch.h"
+#include "search/searchpanelcontroller.h"
 #include "settings/settingswindow.h"
 
 #include <QCoreApplication>
@@ -53,6 +55,11 @@ void AppDelegate::start()
 void AppDelegate::finishLaunching()
 {
     m_statusMenu = std::make_unique<StatusMenuController>(m_services.statusMenuServices(), [this] { showSettings(); });
+    // One floating thing at a time: the menu opening sends the panel away.
+    connect(&m_statusMenu->statusMenu(), &StatusMenu::aboutToOpen, this, [this] {
+        if (m_searchPanel)
+            m_searchPanel->close();
+    });
     if (!m_launchedAtLogin)
         openMenuWhenPlaced(0);
 }
@@ -85,6 +92,7 @@ void AppDelegate::handle(InstanceCommand command)
         showSettings();
         break;
     case InstanceCommand::ToggleSearch:
+        toggleSearchPanel();
         break;
     }
 }
@@ -94,4 +102,24 @@ void AppDelegate::showSettings()
     if (!m_settings)
         m_settings = std::make_unique<SettingsWindow>(m_services);
     m_settings->present();
+}
+
+SearchPanelController &AppDelegate::searchPanel()
+{
+    if (!m_searchPanel) {
+        m_searchPanel = std::make_unique<SearchPanelController>(SearchPanelController::Services{
+            m_services.store,
+            m_services.shortcuts,
+            m_services.opener,
+            SystemStrings::shared(),
+            [this] { return m_services.searchContext(); },
+        });
+    }
+    return *m_searchPanel;
+}
+
+void AppDelegate::toggleSearchPanel()
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    searchPanel().toggle();
 }

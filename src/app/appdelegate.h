@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class SearchPanelController;
 class SettingsWindow;
 class UpdateWindow;
 class StatusMenuController;
@@ -29,11 +30,14 @@ public:
 
     StatusMenuController *statusMenu() const { return m_statusMenu.get(); }
     void showSettings();
+    // The search hot key: shows the search panel, or closes it when shown.
+    void toggleSearchPanel();
 
 private:
     void finishLaunching();
     void openMenuWhenPlaced(int attempt);
     UpdateWindow &updateWindow();
+    SearchPanelController &searchPanel();
 
     bool m_launchedAtLogin;
     AppServices m_services;
@@ -41,4 +45,5 @@ private:
     std::unique_ptr<StatusMenuController> m_statusMenu;
     std::unique_ptr<SettingsWindow> m_settings;
     std::unique_ptr<UpdateWindow> m_updateWindow;
+    std::unique_ptr<SearchPanelController> m_searchPanel;
 };

@@ -1,0 +1,171 @@
+#include "search/searchpanel.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPainterPath>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include <xcb/xcb.h>
+
+namespace {
+
+constexpr int shadowMargin = 28;
+constexpr int shadowDrop = 6;
+constexpr qreal cornerRadius = 14;
+
+// The X screen the connection opened: DISPLAY is "host:display.screen".
+int x11ScreenNumber()
+{
+    const QString display = QString::fromLocal8Bit(qgetenv("DISPLAY"));
+    const qsizetype dot = display.lastIndexOf(QLatin1Char('.'));
+    return dot > display.lastIndexOf(QLatin1Char(':')) ? display.mid(dot + 1).toInt() : 0;
+}
+
+// A compositing manager owns the _NET_WM_CM_Sn selection while it runs.
+bool x11HasCompositor()
+{
+    auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    xcb_connection_t *connection = x11 ? x11->connection() : nullptr;
+    if (!connection)
+        return false;
+    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(x11ScreenNumber());
+    xcb_intern_atom_reply_t *atom = xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 1, uint16_t(name.size()), name.constData()), nullptr);
+    if (!atom)
+        return false;
+    const xcb_atom_t selection = atom->atom;
+    free(atom);
+    if (selection == XCB_ATOM_NONE)
+        return false;
+    xcb_get_selection_owner_reply_t *owner =
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr);
+    const bool owned = owner && owner->owner != XCB_WINDOW_NONE;
+    free(owner);
+    return owned;
+}
+
+} // namespace
+
+bool SearchPanel::canBlend()
+{
+    // Wayland compositors always blend; so does drawing off screen.
+    if (QGuiApplication::platformName() == QLatin1String("xcb"))
+        return x11HasCompositor();
+    return true;
+}
+
+SearchPanel::SearchPanel(bool blended, QWidget *parent)
+    : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    , m_margin(blended ? shadowMargin : 0)
+{
+    setAttribute(Qt::WA_TranslucentBackground, blended);
+    setWindowTitle(QStringLiteral("Quillon Search"));
+    auto *layout = new QVBoxLayout(this);
+    // The shadow falls below the body, so the margin is lopsided only in what
+    // is drawn, not in where the body sits.
+    layout->setContentsMargins(m_margin, m_margin, m_margin, m_margin);
+    layout->setSpacing(0);
+}
+
+void SearchPanel::setContent(QWidget *content)
+{
+    layout()->addWidget(content);
+}
+
+QRect SearchPanel::bodyRect() const
+{
+    return rect().adjusted(m_margin, m_margin, -m_margin, -m_margin);
+}
+
+QRect SearchPanel::bodyGeometry() const
+{
+    return bodyRect().translated(geometry().topLeft());
+}
+
+void SearchPanel::moveBody(const QPoint &topLeft)
+{
+    // Wayland leaves placement to the compositor; there this is a wish.
+    move(topLeft - QPoint(m_margin, m_margin));
+}
+
+void SearchPanel::resizeBody(const QSize &size)
+{
+    if (size.height() <= 0)
+        return;
+    // Window geometry is anchored at the top left, so a plain resize keeps
+    // the top edge still.
+    setFixedSize(size + QSize(2 * m_margin, 2 * m_margin));
+}
+
+void SearchPanel::present()
+{
+    show();
+    raise();
+    activateWindow();
+    // On X11 Qt asks the window manager with the time of the last event it
+    // saw; a request that came in over D-Bus has no fresher one to offer.
+    // On Wayland the compositor may want an activation token from whoever
+    // pressed the key, which a command from another process does not carry
+    // to us, so this request is the most that can be done there.
+    if (QWindow *window = windowHandle())
+        window->requestActivate();
+}
+
+void SearchPanel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const QPalette &colors = palette();
+    const QRectF body = QRectF(bodyRect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    QColor border = colors.color(QPalette::WindowText);
+
+    if (m_margin == 0) {
+        painter.fillRect(rect(), colors.color(QPalette::Window));
+        border.setAlphaF(0.35);
+        painter.setPen(border);
+        painter.drawRect(body);
+        return;
+    }
+
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    // Layered translucent outlines, each a little larger: they add up to a
+    // shadow that is darkest at the body and fades out towards the margin.
+    const qreal drop = shadowDrop;
+    for (int step = m_margin - int(drop); step > 0; --step) {
+        QPainterPath layer;
+        layer.addRoundedRect(body.adjusted(-step, -step + drop, step, step + drop), cornerRadius + step,
+                             cornerRadius + step);
+        painter.fillPath(layer, QColor(0, 0, 0, 5));
+    }
+
+    QPainterPath path;
+    path.addRoundedRect(body, cornerRadius, cornerRadius);
+    painter.fillPath(path, colors.color(QPalette::Window));
+    border.setAlphaF(0.18);
+    painter.setPen(QPen(border, 1));
+    painter.drawPath(path);
+}
+
+void SearchPanel::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange)
+        return;
+    // Only a window that had the keyboard can lose it; a panel the window
+    // manager never activated stays until dismissed otherwise.
+    if (isActiveWindow()) {
+        m_wasActive = true;
+    } else if (m_wasActive) {
+        m_wasActive = false;
+        Q_EMIT dismissed();
+    }
+}
+
+void SearchPanel::closeEvent(QCloseEvent *event)
+{
+    // Its owner tears it down, and knows it is gone.
+    event->ignore();
+    Q_EMIT dismissed();
+}

@@ -1,0 +1,65 @@
+#include "search/searchpanelmodel.h"
+
+#include "common/mainthread.h"
+
+#include <algorithm>
+
+SearchPanelModel::SearchPanelModel(const MenuStore &store, SearchContext context, QObject *parent)
+    : QObject(parent)
+    , m_session(store, std::move(context))
+{
+}
+
+void SearchPanelModel::setQuery(const QString &query)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    m_query = query;
+    // Surrounding blanks are never what a person means to find; an empty
+    // field shows nothing rather than everything.
+    const QString text = query.trimmed();
+    m_groups = text.isEmpty() ? QList<SearchGroup>{} : m_session.search(text, m_limit);
+
+    const QList<SearchResult> all = results();
+    const std::optional<QUrl> previous = m_selection;
+    const bool kept = m_selection && std::any_of(all.cbegin(), all.cend(), [this](const SearchResult &result) {
+        return result.url == *m_selection;
+    });
+    if (!kept)
+        m_selection = all.isEmpty() ? std::nullopt : std::optional<QUrl>(all.first().url);
+    Q_EMIT groupsChanged();
+    if (m_selection != previous)
+        Q_EMIT selectionChanged();
+}
+
+QList<SearchResult> SearchPanelModel::results() const
+{
+    QList<SearchResult> all;
+    for (const auto &group : m_groups)
+        all.append(group.results);
+    return all;
+}
+
+void SearchPanelModel::moveSelection(int step)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    const QList<SearchResult> all = results();
+    if (all.isEmpty())
+        return;
+    qsizetype current = -1;
+    if (m_selection) {
+        const auto found = std::find_if(all.cbegin(), all.cend(),
+                                        [this](const SearchResult &result) { return result.url == *m_selection; });
+        if (found != all.cend())
+            current = found - all.cbegin();
+    }
+    const qsizetype next = std::clamp<qsizetype>(current + step, 0, all.size() - 1);
+    select(all.at(next).url);
+}
+
+void SearchPanelModel::select(const std::optional<QUrl> &url)
+{
+    if (url == m_selection)
+        return;
+    m_selection = url;
+    Q_EMIT selectionChanged();
+}
