@@ -1,5 +1,7 @@
 #include "search/searchpanel.h"
 
+#include "platform/x11selection.h"
+
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QPainter>
@@ -7,7 +9,6 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
-#include <xcb/xcb.h>
 
 namespace {
 
@@ -15,44 +16,13 @@ constexpr int shadowMargin = 28;
 constexpr int shadowDrop = 6;
 constexpr qreal cornerRadius = 14;
 
-// The X screen the connection opened: DISPLAY is "host:display.screen".
-int x11ScreenNumber()
-{
-    const QString display = QString::fromLocal8Bit(qgetenv("DISPLAY"));
-    const qsizetype dot = display.lastIndexOf(QLatin1Char('.'));
-    return dot > display.lastIndexOf(QLatin1Char(':')) ? display.mid(dot + 1).toInt() : 0;
-}
-
-// A compositing manager owns the _NET_WM_CM_Sn selection while it runs.
-bool x11HasCompositor()
-{
-    auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    xcb_connection_t *connection = x11 ? x11->connection() : nullptr;
-    if (!connection)
-        return false;
-    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(x11ScreenNumber());
-    xcb_intern_atom_reply_t *atom = xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 1, uint16_t(name.size()), name.constData()), nullptr);
-    if (!atom)
-        return false;
-    const xcb_atom_t selection = atom->atom;
-    free(atom);
-    if (selection == XCB_ATOM_NONE)
-        return false;
-    xcb_get_selection_owner_reply_t *owner =
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr);
-    const bool owned = owner && owner->owner != XCB_WINDOW_NONE;
-    free(owner);
-    return owned;
-}
-
 } // namespace
 
 bool SearchPanel::canBlend()
 {
     // Wayland compositors always blend; so does drawing off screen.
     if (QGuiApplication::platformName() == QLatin1String("xcb"))
-        return x11HasCompositor();
+        return x11ScreenSelectionOwned("_NET_WM_CM_S"); // a compositor runs
     return true;
 }
 
