@@ -2,10 +2,12 @@
 
 #include "app/statusmenucontroller.h"
 #include "common/mainthread.h"
+#include "hotkeys/hotkeycenter.h"
 #include "platform/trayhostwatch.h"
 #include "settings/settingswindow.h"
 
 #include <QMenu>
+#include <QPointer>
 #include <QTimer>
 
 namespace {
@@ -38,8 +40,26 @@ void AppDelegate::start()
 void AppDelegate::finishLaunching()
 {
     m_statusMenu = std::make_unique<StatusMenuController>(m_services.statusMenuServices(), [this] { showSettings(); });
+    installHotKeys();
     if (!m_launchedAtLogin)
         openMenuWhenPlaced(0);
+}
+
+// The search key toggles the panel; the menu key pops the menu up at the
+// mouse unless it is open already. Then the saved combinations come back.
+void AppDelegate::installHotKeys()
+{
+    HotKeyCenters &hotKeys = HotKeyCenters::shared();
+    const QPointer<AppDelegate> self(this);
+    hotKeys.search().setAction([self] {
+        if (self)
+            self->handle(InstanceCommand::ToggleSearch);
+    });
+    hotKeys.menu().setAction([self] {
+        if (self)
+            self->handle(InstanceCommand::PopUpMenu);
+    });
+    hotKeys.restore();
 }
 
 void AppDelegate::openMenuWhenPlaced(int attempt)
@@ -77,6 +97,6 @@ void AppDelegate::handle(InstanceCommand command)
 void AppDelegate::showSettings()
 {
     if (!m_settings)
-        m_settings = std::make_unique<SettingsWindow>();
+        m_settings = std::make_unique<SettingsWindow>(HotKeyCenters::shared());
     m_settings->present();
 }

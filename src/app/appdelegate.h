@@ -31,6 +31,7 @@ public:
 
 private:
     void finishLaunching();
+    void installHotKeys();
     void openMenuWhenPlaced(int attempt);
 
     bool m_launchedAtLogin;

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+class HotKeyCenters;
+class HotKeyRecorder;
 class QTabWidget;
 
 // The settings window: general options, the user's menus, the content and
@@ -11,12 +13,18 @@ class SettingsWindow : public QWidget
     Q_OBJECT
 
 public:
-    explicit SettingsWindow(QWidget *parent = nullptr);
+    explicit SettingsWindow(HotKeyCenters &hotKeys, QWidget *parent = nullptr);
 
     QTabWidget *tabs() const { return m_tabs; }
+    HotKeyRecorder *searchHotKey() const { return m_searchHotKey; }
+    HotKeyRecorder *menuHotKey() const { return m_menuHotKey; }
     // Shows the window in front, with the keyboard.
     void present();
 
 private:
+    QWidget *makeGeneralTab(HotKeyCenters &hotKeys);
+
     QTabWidget *m_tabs;
+    HotKeyRecorder *m_searchHotKey = nullptr;
+    HotKeyRecorder *m_menuHotKey = nullptr;
 };
