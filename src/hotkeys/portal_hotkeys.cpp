@@ -76,8 +76,7 @@ PortalHotKeys::PortalHotKeys(const QDBusConnection &bus)
         m_state = State::Unknown;
     });
     m_bus.connect(QString::fromLatin1(service), QString::fromLatin1(path), QString::fromLatin1(interface),
-                  QStringLiteral("Activated"), this,
-                  SLOT(shortcutActivated(QDBusObjectPath, QString, qulonglong, QVariantMap)));
+                  QStringLiteral("Activated"), this, SLOT(shortcutActivated(QDBusMessage)));
     probe();
 }
 
@@ -133,6 +132,11 @@ void PortalHotKeys::probe()
     auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(get), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
         call->deleteLater();
+        const QString error = call->error().name();
+        // No portal yet: it may still start, and the watcher will see it.
+        if (error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown") ||
+            error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner"))
+            return;
         // Portals without this interface (GNOME before 48) answer with an error.
         m_state = call->isError() ? State::Missing : State::Present;
         if (m_state == State::Present && !m_shortcuts.empty())
@@ -218,10 +222,13 @@ void PortalHotKeys::shortcutsBound(uint response, const QVariantMap &)
         bind();
 }
 
-void PortalHotKeys::shortcutActivated(const QDBusObjectPath &session, const QString &id, qulonglong, const QVariantMap &)
+// Activated(o session, s id, t timestamp, a{sv} options)
+void PortalHotKeys::shortcutActivated(const QDBusMessage &message)
 {
-    if (session.path() != m_session)
+    const QVariantList arguments = message.arguments();
+    if (arguments.size() < 2 || arguments.at(0).value<QDBusObjectPath>().path() != m_session || m_session.isEmpty())
         return;
+    const QString id = arguments.at(1).toString();
     for (const auto &[handle, shortcut] : m_shortcuts) {
         if (shortcutId(shortcut.id) == id) {
             Q_EMIT activated(shortcut.id);

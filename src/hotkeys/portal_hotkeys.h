@@ -3,6 +3,7 @@
 #include "hotkeys/hotkeybackend.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QVariantMap>
 
@@ -39,8 +40,7 @@ public:
 private Q_SLOTS:
     void sessionCreated(uint response, const QVariantMap &results);
     void shortcutsBound(uint response, const QVariantMap &results);
-    void shortcutActivated(const QDBusObjectPath &session, const QString &id, qulonglong timestamp,
-                           const QVariantMap &options);
+    void shortcutActivated(const QDBusMessage &message);
 
 private:
     enum class State { Unknown, Present, Missing };
