@@ -39,6 +39,8 @@ HotKeyRecorder::HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> other
     , m_addToDesktop(new QPushButton(tr("Add to GNOME Keyboard Shortcuts"), this))
     , m_removeFromDesktop(new QPushButton(tr("Remove from GNOME Keyboard Shortcuts"), this))
 {
+    m_addToDesktop->setObjectName(QStringLiteral("addToDesktop"));
+    m_removeFromDesktop->setObjectName(QStringLiteral("removeFromDesktop"));
     m_button->setMinimumWidth(160);
     m_button->installEventFilter(this);
     m_clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
@@ -121,13 +123,17 @@ void HotKeyRecorder::hideEvent(QHideEvent *event)
 void HotKeyRecorder::refresh()
 {
     SystemStrings &strings = SystemStrings::shared();
-    if (m_model.isRecording()) {
-        m_button->setText(strings.text(SystemString::PressKeys));
-        m_button->grabKeyboard();
-    } else {
-        m_button->releaseKeyboard();
-        m_button->setText(m_model.display().isEmpty() ? strings.text(SystemString::NoShortcut) : m_model.display());
+    // Held while recording, so that the desktop's own shortcuts (Alt+Tab)
+    // can be recorded instead of acted on.
+    if (m_model.isRecording() != (QWidget::keyboardGrabber() == m_button)) {
+        if (m_model.isRecording())
+            m_button->grabKeyboard();
+        else
+            m_button->releaseKeyboard();
     }
+    m_button->setText(m_model.isRecording()        ? strings.text(SystemString::PressKeys)
+                      : m_model.display().isEmpty() ? strings.text(SystemString::NoShortcut)
+                                                    : m_model.display());
     m_button->setDown(m_model.isRecording());
     m_clear->setVisible(!m_model.display().isEmpty());
     m_warning->setVisible(m_model.isTaken());
