@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
@@ -43,7 +44,7 @@ HotKeyRecorder::HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> other
     m_removeFromDesktop->setObjectName(QStringLiteral("removeFromDesktop"));
     m_button->setMinimumWidth(160);
     m_button->installEventFilter(this);
-    m_clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
+    m_clear->setIcon(QIcon::fromTheme(QStringLiteral("edit-clear"), style()->standardIcon(QStyle::SP_LineEditClearButton)));
     m_clear->setAutoRaise(true);
     m_clear->setToolTip(SystemStrings::shared().text(SystemString::RemoveShortcut));
     m_warning->setStyleSheet(QStringLiteral("color: #c01c28;"));

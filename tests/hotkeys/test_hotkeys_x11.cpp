@@ -195,6 +195,30 @@ private Q_SLOTS:
         QTest::qWait(200);
         QCOMPARE(menus, 1);
     }
+
+    void aNewKeyboardMappingIsFollowed()
+    {
+        Preferences preferences(preferencesFile());
+        const auto backend = X11HotKeys::create();
+        HotKeyCenters centers(preferences, *backend);
+        int searches = 0;
+        centers.search().setAction([&searches] { ++searches; });
+        QVERIFY(centers.search().registerHotKey(Qt::Key_Q, ctrlAlt, {}));
+
+        // Q moves to another key, as it does when the layout changes.
+        const auto remap = [](const QStringList &expressions) {
+            QStringList arguments;
+            for (const QString &expression : expressions)
+                arguments << QStringLiteral("-e") << expression;
+            QCOMPARE(QProcess::execute(QStringLiteral("xmodmap"), arguments), 0);
+        };
+        remap({QStringLiteral("keycode 24 = NoSymbol"), QStringLiteral("keycode 97 = q Q")});
+        QTest::qWait(300);
+        press(QStringLiteral("ctrl+alt+q"));
+        QTRY_COMPARE(searches, 1);
+        remap({QStringLiteral("keycode 97 ="), QStringLiteral("keycode 24 = q Q q Q")});
+        centers.search().clear();
+    }
 };
 
 QTEST_MAIN(TestHotKeysX11)
