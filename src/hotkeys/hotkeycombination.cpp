@@ -14,17 +14,3 @@ quint32 hotKeyModifiers(Qt::KeyboardModifiers modifiers)
         result |= HotKeyModifier::Super;
     return result;
 }
-
-Qt::KeyboardModifiers qtModifiers(quint32 modifiers)
-{
-    Qt::KeyboardModifiers result;
-    if (modifiers & HotKeyModifier::Ctrl)
-        result |= Qt::ControlModifier;
-    if (modifiers & HotKeyModifier::Alt)
-        result |= Qt::AltModifier;
-    if (modifiers & HotKeyModifier::Shift)
-        result |= Qt::ShiftModifier;
-    if (modifiers & HotKeyModifier::Super)
-        result |= Qt::MetaModifier;
-    return result;
-}

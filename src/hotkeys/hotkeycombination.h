@@ -35,4 +35,3 @@ inline size_t qHash(const HotKeyCombination &combination, size_t seed = 0) noexc
 }
 
 quint32 hotKeyModifiers(Qt::KeyboardModifiers modifiers);
-Qt::KeyboardModifiers qtModifiers(quint32 modifiers);

@@ -69,7 +69,8 @@ X11HotKeys::X11HotKeys(xcb_connection_t *connection, quint32 root)
 
 X11HotKeys::~X11HotKeys()
 {
-    QCoreApplication::instance()->removeNativeEventFilter(this);
+    if (auto *app = QCoreApplication::instance())
+        app->removeNativeEventFilter(this);
     for (const auto &[handle, grab] : m_grabs)
         ungrabKeys(grab);
     xcb_flush(m_connection);

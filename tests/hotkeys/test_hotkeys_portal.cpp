@@ -4,13 +4,10 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusMetaType>
 #include <QDBusVirtualObject>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
@@ -38,12 +35,7 @@ public:
         m_bus.registerVirtualObject(QString::fromLatin1(PortalHotKeys::path), this, QDBusConnection::SubPath);
         m_bus.registerService(QString::fromLatin1(PortalHotKeys::service));
     }
-    ~FakePortal() override
-    {
-        m_bus.unregisterService(QString::fromLatin1(PortalHotKeys::service));
-        m_bus.unregisterObject(QString::fromLatin1(PortalHotKeys::path), QDBusConnection::UnregisterTree);
-        QDBusConnection::disconnectFromBus(m_bus.name());
-    }
+    ~FakePortal() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
 
     void activate(const QString &session, const QString &id)
     {
@@ -190,7 +182,6 @@ private Q_SLOTS:
         QTRY_VERIFY(!backend.isAvailable());
         HotKeyCenters centers(*m_preferences, backend);
         QCOMPARE(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, {}), HotKeyRegistration{HotKeyRefusal::Unavailable});
-        QCOMPARE(centers.search().current(), std::nullopt);
         QVERIFY(portal.binds.isEmpty());
     }
 };
