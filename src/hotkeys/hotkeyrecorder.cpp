@@ -1,6 +1,7 @@
 #include "hotkeys/hotkeyrecorder.h"
 
 #include "catalog/systemstrings.h"
+#include "hotkeys/accelerators.h"
 #include "hotkeys/desktopshortcuts.h"
 #include "hotkeys/gnomeshortcuts.h"
 #include "sources/xdgdirs.h"
@@ -146,10 +147,13 @@ void HotKeyRecorder::updateDesktopOffer()
     const bool needed = m_model.unbound().has_value() || !m_model.hotKey().isAvailable();
     const bool gnome = needed && onGnome() && GnomeShortcuts::canAddCustom();
     const auto bound = gnome ? GnomeShortcuts::customBinding(m_command) : std::nullopt;
+    const auto boundKeys = bound ? fromGtkAccelerator(*bound) : std::nullopt;
     if (!needed)
         m_hint->clear();
     else if (bound)
-        m_hint->setText(tr("GNOME runs “%1” on %2.").arg(m_command, *bound));
+        m_hint->setText(tr("GNOME runs “%1” on %2.")
+                            .arg(m_command, boundKeys ? m_model.displayText(boundKeys->keyCode, boundKeys->modifiers)
+                                                      : *bound));
     else if (gnome)
         m_hint->setText(tr("This session does not let programs set global shortcuts. GNOME can run “%1” for you.")
                             .arg(m_command));
@@ -158,7 +162,8 @@ void HotKeyRecorder::updateDesktopOffer()
                            "your desktop’s keyboard settings.")
                             .arg(m_command));
     m_hint->setVisible(needed);
-    m_addToDesktop->setVisible(gnome && m_model.unbound().has_value());
+    const auto unbound = m_model.unbound();
+    m_addToDesktop->setVisible(gnome && unbound && !(boundKeys && boundKeys->sameKeys(*unbound)));
     m_removeFromDesktop->setVisible(bound.has_value());
 }
 

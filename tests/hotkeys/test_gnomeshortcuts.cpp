@@ -110,7 +110,7 @@ private Q_SLOTS:
         QVERIFY(!remove->isVisible());
         add->click();
         QCOMPARE(GnomeShortcuts::customBinding(searchCommand), QStringLiteral("<Super>space"));
-        QVERIFY(remove->isVisible());
+        QVERIFY(remove->isVisible() && !add->isVisible());
         remove->click();
         QCOMPARE(GnomeShortcuts::customBinding(searchCommand), std::nullopt);
         QVERIFY(!remove->isVisible());
