@@ -67,12 +67,15 @@ PortalHotKeys::PortalHotKeys(const QDBusConnection &bus)
     qDBusRegisterMetaType<PortalShortcut>();
     qDBusRegisterMetaType<QList<PortalShortcut>>();
     // The portal may start after us, or restart: bind again in its new life.
+    // Requests in flight die with the old portal.
     connect(m_watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
         m_session.clear();
+        m_binding = false;
         probe();
     });
     connect(m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
         m_session.clear();
+        m_binding = false;
         m_state = State::Unknown;
     });
     m_bus.connect(QString::fromLatin1(service), QString::fromLatin1(path), QString::fromLatin1(interface),
