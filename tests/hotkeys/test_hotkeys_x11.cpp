@@ -80,6 +80,9 @@ private Q_SLOTS:
         QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
         QStandardPaths::setTestModeEnabled(true);
         qputenv("XDG_CONFIG_HOME", m_dir.filePath(QStringLiteral("config")).toUtf8());
+        // None of this machine's own desktop shortcuts: only X decides what is taken.
+        qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("data")).toUtf8());
+        qputenv("GSETTINGS_BACKEND", "memory");
         m_other = xcb_connect(nullptr, nullptr);
         QVERIFY(!xcb_connection_has_error(m_other));
         m_otherSymbols = xcb_key_symbols_alloc(m_other);
