@@ -470,4 +470,72 @@
         <translation>In dieser Ausgabe ist die Suche nach Aktualisierungen abgeschaltet.</translation>
     </message>
 </context>
+<context>
+    <name>HotKeyRecorder</name>
+    <message>
+        <source>Super</source>
+        <translation>Super</translation>
+    </message>
+    <message>
+        <source>Add to GNOME Keyboard Shortcuts</source>
+        <translation>Zu den GNOME-Tastenkürzeln hinzufügen</translation>
+    </message>
+    <message>
+        <source>Remove from GNOME Keyboard Shortcuts</source>
+        <translation>Aus den GNOME-Tastenkürzeln entfernen</translation>
+    </message>
+    <message>
+        <source>GNOME runs “%1” on %2.</source>
+        <translation>GNOME führt „%1“ mit %2 aus.</translation>
+    </message>
+    <message>
+        <source>This session does not let programs set global shortcuts. GNOME can run “%1” for you.</source>
+        <translation>Diese Sitzung erlaubt Programmen keine globalen Tastenkürzel. GNOME kann „%1“ für Sie ausführen.</translation>
+    </message>
+    <message>
+        <source>This session does not let programs set global shortcuts. Bind “%1” to a key in your desktop’s keyboard settings.</source>
+        <translation>Diese Sitzung erlaubt Programmen keine globalen Tastenkürzel. Legen Sie „%1“ in den Tastatureinstellungen Ihrer Arbeitsumgebung auf eine Taste.</translation>
+    </message>
+</context>
+<context>
+    <name>PortalHotKeys</name>
+    <message>
+        <source>Show or hide the Quillon search panel</source>
+        <translation>Die Quillon-Suche ein- oder ausblenden</translation>
+    </message>
+    <message>
+        <source>Open the Quillon menu at the mouse</source>
+        <translation>Das Quillon-Menü am Mauszeiger öffnen</translation>
+    </message>
+    <message>
+        <source>Quillon shortcut %1</source>
+        <translation>Quillon-Tastenkürzel %1</translation>
+    </message>
+</context>
+<context>
+    <name>QShortcut</name>
+    <message>
+        <source>Ctrl</source>
+        <translation>Strg</translation>
+    </message>
+    <message>
+        <source>Alt</source>
+        <translation>Alt</translation>
+    </message>
+    <message>
+        <source>Shift</source>
+        <translation>Umschalt</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsWindow</name>
+    <message>
+        <source>Search panel:</source>
+        <translation>Suche:</translation>
+    </message>
+    <message>
+        <source>Menu at the mouse:</source>
+        <translation>Menü am Mauszeiger:</translation>
+    </message>
+</context>
 </TS>

@@ -4,12 +4,14 @@
 #include "app/updatewindow.h"
 #include "catalog/systemstrings.h"
 #include "common/mainthread.h"
+#include "hotkeys/hotkeycenter.h"
 #include "platform/trayhostwatch.h"
 #include "search/searchpanelcontroller.h"
 #include "settings/settingswindow.h"
 
 #include <QCoreApplication>
 #include <QMenu>
+#include <QPointer>
 #include <QTimer>
 
 namespace {
@@ -60,8 +62,26 @@ void AppDelegate::finishLaunching()
         if (m_searchPanel)
             m_searchPanel->close();
     });
+    installHotKeys();
     if (!m_launchedAtLogin)
         openMenuWhenPlaced(0);
+}
+
+// The search key toggles the panel; the menu key pops the menu up at the
+// mouse unless it is open already. Then the saved combinations come back.
+void AppDelegate::installHotKeys()
+{
+    HotKeyCenters &hotKeys = HotKeyCenters::shared();
+    const QPointer<AppDelegate> self(this);
+    hotKeys.search().setAction([self] {
+        if (self)
+            self->handle(InstanceCommand::ToggleSearch);
+    });
+    hotKeys.menu().setAction([self] {
+        if (self)
+            self->handle(InstanceCommand::PopUpMenu);
+    });
+    hotKeys.restore();
 }
 
 void AppDelegate::openMenuWhenPlaced(int attempt)
@@ -100,7 +120,7 @@ void AppDelegate::handle(InstanceCommand command)
 void AppDelegate::showSettings()
 {
     if (!m_settings)
-        m_settings = std::make_unique<SettingsWindow>(m_services);
+        m_settings = std::make_unique<SettingsWindow>(m_services, HotKeyCenters::shared());
     m_settings->present();
 }
 

@@ -35,6 +35,7 @@ public:
 
 private:
     void finishLaunching();
+    void installHotKeys();
     void openMenuWhenPlaced(int attempt);
     UpdateWindow &updateWindow();
     SearchPanelController &searchPanel();

@@ -3,13 +3,16 @@
 #include "app/appservices.h"
 #include "catalog/systemstrings.h"
 #include "settings/generalpane.h"
+#include "hotkeys/hotkeycenter.h"
+#include "hotkeys/hotkeyrecorder.h"
 #include "sources/sourcetitles.h"
 
+#include <QFormLayout>
 #include <QIcon>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-SettingsWindow::SettingsWindow(AppServices &services, QWidget *parent)
+SettingsWindow::SettingsWindow(AppServices &services, HotKeyCenters &hotKeys, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , m_tabs(new QTabWidget(this))
     , m_general(new GeneralPane(services.preferences, services.store, services.updates, m_tabs))
@@ -20,6 +23,12 @@ SettingsWindow::SettingsWindow(AppServices &services, QWidget *parent)
         title.chop(1);
     setWindowTitle(QStringLiteral("Quillon ") + title);
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
+    m_searchHotKey = new HotKeyRecorder(hotKeys.search(), hotKeys.others(hotKeys.search()),
+                                        QStringLiteral("quillon --toggle-search"), m_general);
+    m_menuHotKey = new HotKeyRecorder(hotKeys.menu(), hotKeys.others(hotKeys.menu()), QStringLiteral("quillon --menu"),
+                                      m_general);
+    m_general->form()->addRow(tr("Search panel:"), m_searchHotKey);
+    m_general->form()->addRow(tr("Menu at the mouse:"), m_menuHotKey);
     m_tabs->addTab(m_general, strings.text(SystemString::General));
     for (const QString &title : {strings.text(SystemString::Menus), strings.text(SystemString::Content), applicationsTitle()})
         m_tabs->addTab(new QWidget(m_tabs), title);

@@ -4,6 +4,8 @@
 
 class AppServices;
 class GeneralPane;
+class HotKeyCenters;
+class HotKeyRecorder;
 class QTabWidget;
 
 // The settings window: general options, the user's menus, the content and
@@ -13,14 +15,18 @@ class SettingsWindow : public QWidget
     Q_OBJECT
 
 public:
-    explicit SettingsWindow(AppServices &services, QWidget *parent = nullptr);
+    SettingsWindow(AppServices &services, HotKeyCenters &hotKeys, QWidget *parent = nullptr);
 
     QTabWidget *tabs() const { return m_tabs; }
     GeneralPane *general() const { return m_general; }
+    HotKeyRecorder *searchHotKey() const { return m_searchHotKey; }
+    HotKeyRecorder *menuHotKey() const { return m_menuHotKey; }
     // Shows the window in front, with the keyboard.
     void present();
 
 private:
     QTabWidget *m_tabs;
     GeneralPane *m_general;
+    HotKeyRecorder *m_searchHotKey = nullptr;
+    HotKeyRecorder *m_menuHotKey = nullptr;
 };

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "config/enumstrings.h"
+
+#include <QObject>
+
+#include <memory>
+#include <variant>
+
+// Why the desktop did not take a combination.
+enum class HotKeyRefusal {
+    Taken,       // another program holds it
+    UnknownKey,  // the keyboard has no such key
+    Unavailable, // this session offers no global shortcuts to programs
+};
+
+template<>
+struct EnumCases<HotKeyRefusal> {
+    static constexpr std::array<std::pair<HotKeyRefusal, const char *>, 3> cases{{
+        {HotKeyRefusal::Taken, "taken"},
+        {HotKeyRefusal::UnknownKey, "unknownKey"},
+        {HotKeyRefusal::Unavailable, "unavailable"},
+    }};
+};
+
+using HotKeyHandle = quint32;
+using HotKeyGrab = std::variant<HotKeyHandle, HotKeyRefusal>;
+
+// The desktop's global-shortcut facility: register a combination under an
+// identifier, unregister it by its handle, and hear `activated` with the
+// identifier when it is pressed anywhere. Lives on the main thread.
+class HotKeyBackend : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    // The facility of the running session: key grabs on X11, the
+    // GlobalShortcuts portal elsewhere.
+    static std::unique_ptr<HotKeyBackend> forSession();
+
+    // keyCode: a Qt key; modifiers: HotKeyModifier values summed.
+    virtual HotKeyGrab grab(quint32 keyCode, quint32 modifiers, quint32 id) = 0;
+    virtual void release(HotKeyHandle handle) = 0;
+    // False when programs cannot have global shortcuts in this session, so
+    // the user has to bind Quillon's commands in the desktop's settings.
+    virtual bool isAvailable() const = 0;
+
+Q_SIGNALS:
+    void activated(quint32 id);
+};

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "hotkeys/hotkeybackend.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QVariantMap>
+
+#include <map>
+
+class QDBusServiceWatcher;
+
+// Global shortcuts through the desktop portal (org.freedesktop.portal.
+// GlobalShortcuts), where programs may not grab keys themselves. A portal
+// session binds its shortcuts once, so every change opens a new session
+// and binds all current combinations in it.
+class PortalHotKeys final : public HotKeyBackend
+{
+    Q_OBJECT
+
+public:
+    static constexpr const char *service = "org.freedesktop.portal.Desktop";
+    static constexpr const char *path = "/org/freedesktop/portal/desktop";
+    static constexpr const char *interface = "org.freedesktop.portal.GlobalShortcuts";
+
+    explicit PortalHotKeys(const QDBusConnection &bus = QDBusConnection::sessionBus());
+    ~PortalHotKeys() override;
+
+    HotKeyGrab grab(quint32 keyCode, quint32 modifiers, quint32 id) override;
+    void release(HotKeyHandle handle) override;
+    // Until the portal has answered, combinations are accepted and bound
+    // once it does.
+    bool isAvailable() const override { return m_state != State::Missing; }
+
+    // The portal's name for a shortcut and for its trigger ("CTRL+ALT+space").
+    static QString shortcutId(quint32 id);
+    static QString trigger(quint32 keyCode, quint32 modifiers);
+
+private Q_SLOTS:
+    void sessionCreated(uint response, const QVariantMap &results);
+    void shortcutsBound(uint response, const QVariantMap &results);
+    void shortcutActivated(const QDBusMessage &message);
+
+private:
+    enum class State { Unknown, Present, Missing };
+    struct Shortcut {
+        quint32 id;
+        QString trigger;
+    };
+
+    void probe();
+    void scheduleBind();
+    void bind();
+    void closeSession();
+    QString requestPath(const QString &token) const;
+    bool watchResponse(const QString &token, const char *slot);
+    QString nextToken();
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher *m_watcher;
+    State m_state = State::Unknown;
+    std::map<HotKeyHandle, Shortcut> m_shortcuts;
+    HotKeyHandle m_nextHandle = 1;
+    QString m_session;
+    QString m_pendingRequest;
+    bool m_binding = false;
+    bool m_dirty = false;
+    bool m_queued = false;
+    int m_tokens = 0;
+};

@@ -1,0 +1,121 @@
+#include "config/preferences.h"
+#include "fakebackend.h"
+#include "hotkeys/desktopshortcuts.h"
+#include "hotkeys/gnomeshortcuts.h"
+#include "hotkeys/hotkeyrecorder.h"
+
+#include <QLabel>
+#include <QProcess>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+constexpr quint32 ctrlAlt = HotKeyModifier::Ctrl | HotKeyModifier::Alt;
+const QString searchCommand = QStringLiteral("quillon --toggle-search");
+} // namespace
+
+// GNOME's shortcuts from GSettings: fixture schemas compiled into a
+// temporary folder, values in a key file under a temporary config home.
+class TestGnomeShortcuts : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+
+    QString path(const QString &name) const { return m_dir.filePath(name); }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(QDir().mkpath(path(QStringLiteral("schemas"))));
+        QCOMPARE(QProcess::execute(QStringLiteral("glib-compile-schemas"),
+                                   {QStringLiteral("--strict"), QStringLiteral("--targetdir=") + path(QStringLiteral("schemas")),
+                                    QStringLiteral(QUILLON_HOTKEYS_DATA)}),
+                 0);
+        // Only the fixture's schemas: none of the machine's own.
+        qputenv("XDG_DATA_DIRS", path(QStringLiteral("data")).toUtf8());
+        qputenv("GSETTINGS_SCHEMA_DIR", path(QStringLiteral("schemas")).toUtf8());
+        qputenv("GSETTINGS_BACKEND", "keyfile");
+        qputenv("XDG_CONFIG_HOME", path(QStringLiteral("config")).toUtf8());
+        qputenv("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
+        QStandardPaths::setTestModeEnabled(true);
+    }
+
+    void gnomeShortcutsAreInUse()
+    {
+        QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Terminal"), QStringLiteral("gnome-terminal"), Qt::Key_T, ctrlAlt));
+        QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Quillon"), searchCommand, Qt::Key_Space, ctrlAlt));
+        const QList<HotKeyCombination> used = desktopShortcuts();
+        const QList<HotKeyCombination> expected{
+            {Qt::Key_Tab, HotKeyModifier::Super, {}}, {Qt::Key_Tab, HotKeyModifier::Alt, {}},
+            {Qt::Key_F2, HotKeyModifier::Alt, {}},    {Qt::Key_L, HotKeyModifier::Super, {}},
+            {Qt::Key_E, HotKeyModifier::Super, {}},   {Qt::Key_T, ctrlAlt, {}},
+        };
+        for (const HotKeyCombination &combination : expected)
+            QVERIFY2(used.contains(combination), qPrintable(QString::number(combination.keyCode, 16)));
+        // Quillon's own custom shortcut is no conflict with itself.
+        QVERIFY(!used.contains(HotKeyCombination{Qt::Key_Space, ctrlAlt, {}}));
+        QCOMPARE(used.size(), expected.size());
+
+        // The recorder refuses what GNOME holds.
+        Preferences preferences(path(QStringLiteral("Quillon.conf")));
+        FakeBackend backend;
+        HotKeyCenters centers(preferences, backend);
+        HotKeyRecorderModel model(centers.search(), centers.others(centers.search()), QStringLiteral("Space"),
+                                  &desktopShortcuts);
+        model.startRecording();
+        QCOMPARE(model.handleKey(Qt::Key_F2, Qt::AltModifier), HotKeyRecorderModel::KeyOutcome::Taken);
+        QCOMPARE(model.handleKey(Qt::Key_F3, Qt::AltModifier), HotKeyRecorderModel::KeyOutcome::Registered);
+        QVERIFY(GnomeShortcuts::removeCustom(QStringLiteral("gnome-terminal")));
+        QVERIFY(GnomeShortcuts::removeCustom(searchCommand));
+    }
+
+    void customShortcutsAreAddedReplacedAndRemoved()
+    {
+        QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Other"), QStringLiteral("other"), Qt::Key_O, ctrlAlt));
+        QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Quillon"), searchCommand, Qt::Key_Space, ctrlAlt));
+        QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Quillon"), searchCommand, Qt::Key_K, HotKeyModifier::Super));
+        QCOMPARE(GnomeShortcuts::customBinding(searchCommand), QStringLiteral("<Super>k"));
+        // Where GNOME reads them: one list of paths, one entry per shortcut.
+        QFile keyfile(path(QStringLiteral("config/glib-2.0/settings/keyfile")));
+        QVERIFY(keyfile.open(QIODevice::ReadOnly));
+        QVERIFY(keyfile.readAll().contains("custom-keybindings=['/org/gnome/settings-daemon/plugins/media-keys/"
+                                           "custom-keybindings/custom0/', '/org/gnome/settings-daemon/plugins/"
+                                           "media-keys/custom-keybindings/custom1/']"));
+        QVERIFY(GnomeShortcuts::removeCustom(searchCommand));
+        QVERIFY(!GnomeShortcuts::removeCustom(searchCommand));
+        QCOMPARE(GnomeShortcuts::customBinding(QStringLiteral("other")), QStringLiteral("<Control><Alt>o"));
+        QVERIFY(GnomeShortcuts::removeCustom(QStringLiteral("other")));
+    }
+
+    void recorderOffersGnomesKeyboardSettings()
+    {
+        Preferences preferences(path(QStringLiteral("Quillon.conf")));
+        FakeBackend backend;
+        backend.available = false;
+        backend.refusals.insert({Qt::Key_Space, HotKeyModifier::Super}, HotKeyRefusal::Unavailable);
+        HotKeyCenters centers(preferences, backend);
+        HotKeyRecorder recorder(centers.search(), centers.others(centers.search()), searchCommand);
+        recorder.show();
+        auto *add = recorder.findChild<QPushButton *>(QStringLiteral("addToDesktop"));
+        auto *remove = recorder.findChild<QPushButton *>(QStringLiteral("removeFromDesktop"));
+        QVERIFY(add && remove && !add->isVisible());
+
+        QTest::mouseClick(recorder.recordButton(), Qt::LeftButton);
+        QTest::keyClick(recorder.recordButton(), Qt::Key_Space, Qt::MetaModifier);
+        QVERIFY(add->isVisible());
+        QVERIFY(!remove->isVisible());
+        add->click();
+        QCOMPARE(GnomeShortcuts::customBinding(searchCommand), QStringLiteral("<Super>space"));
+        QVERIFY(remove->isVisible() && !add->isVisible());
+        remove->click();
+        QCOMPARE(GnomeShortcuts::customBinding(searchCommand), std::nullopt);
+        QVERIFY(!remove->isVisible());
+    }
+};
+
+QTEST_MAIN(TestGnomeShortcuts)
+#include "test_gnomeshortcuts.moc"

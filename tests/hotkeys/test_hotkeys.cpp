@@ -1,0 +1,209 @@
+#include "config/preferences.h"
+#include "fakebackend.h"
+#include "hotkeys/accelerators.h"
+#include "hotkeys/desktopshortcuts.h"
+#include "hotkeys/hotkeycenter.h"
+#include "hotkeys/hotkeyrecordermodel.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using Outcome = HotKeyRecorderModel::KeyOutcome;
+
+namespace {
+constexpr quint32 ctrlAlt = HotKeyModifier::Ctrl | HotKeyModifier::Alt;
+} // namespace
+
+class TestHotKeys : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<FakeBackend> m_backend;
+    std::unique_ptr<HotKeyCenters> m_centers;
+    QList<HotKeyCombination> m_desktop;
+
+    QString preferencesFile() const { return m_dir.filePath(QStringLiteral("Quillon.conf")); }
+    std::unique_ptr<HotKeyRecorderModel> recorder(HotKeyCenter &center)
+    {
+        auto model = std::make_unique<HotKeyRecorderModel>(center, m_centers->others(center), QStringLiteral("Leertaste"),
+                                                           [this] { return m_desktop; });
+        model->startRecording();
+        return model;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        cleanup();
+        QFile::remove(preferencesFile());
+        m_preferences = std::make_unique<Preferences>(preferencesFile());
+        m_backend = std::make_unique<FakeBackend>();
+        m_centers = std::make_unique<HotKeyCenters>(*m_preferences, *m_backend);
+        m_desktop.clear();
+    }
+
+    void cleanup()
+    {
+        m_centers.reset();
+        m_backend.reset();
+        m_preferences.reset();
+    }
+
+    void centresPersistReplaceAndRestore()
+    {
+        HotKeyCenter &search = m_centers->search();
+        // A fresh install has nothing to restore.
+        m_centers->restore();
+        QVERIFY(m_backend->grabs.empty());
+        QCOMPARE(search.current(), std::nullopt);
+
+        QVERIFY(search.registerHotKey(Qt::Key_K, ctrlAlt, QStringLiteral("Ctrl+Alt+K")));
+        QVERIFY(search.registerHotKey(Qt::Key_K, ctrlAlt, QStringLiteral("Ctrl+Alt+K")));
+        QVERIFY(search.registerHotKey(Qt::Key_J, ctrlAlt, QStringLiteral("Ctrl+Alt+J")));
+        QCOMPARE(m_backend->grabs.size(), size_t(1));
+        QCOMPARE(m_backend->grabs.begin()->second, (FakeBackend::Grabbed{Qt::Key_J, ctrlAlt, 1}));
+        QCOMPARE(m_preferences->value(QStringLiteral("HotKeyKeyCode")).toUInt(), quint32(Qt::Key_J));
+        QCOMPARE(m_preferences->value(QStringLiteral("HotKeyModifiers")).toUInt(), ctrlAlt);
+        QCOMPARE(m_preferences->value(QStringLiteral("HotKeyDisplay")).toString(), QStringLiteral("Ctrl+Alt+J"));
+
+        // A refused combination drops the old grab but keeps what was saved.
+        m_backend->refusals.insert({Qt::Key_T, ctrlAlt}, HotKeyRefusal::Taken);
+        QCOMPARE(search.registerHotKey(Qt::Key_T, ctrlAlt, QStringLiteral("Ctrl+Alt+T")),
+                 HotKeyRegistration{HotKeyRefusal::Taken});
+        QVERIFY(m_backend->grabs.empty());
+        QVERIFY(!search.isRegistered());
+        QCOMPARE(search.current()->keyCode, quint32(Qt::Key_J));
+    }
+
+    void clearForgetsEvenWhenNothingIsRegistered()
+    {
+        // Saved by hand, say by an earlier run that could not register it.
+        m_preferences->setValue(QStringLiteral("MenuHotKeyKeyCode"), 32);
+        m_preferences->setValue(QStringLiteral("MenuHotKeyModifiers"), 256);
+        m_preferences->setValue(QStringLiteral("MenuHotKeyDisplay"), QStringLiteral("Super+Space"));
+        m_centers->menu().clear();
+        for (const char *key : {"MenuHotKeyKeyCode", "MenuHotKeyModifiers", "MenuHotKeyDisplay"})
+            QVERIFY2(!m_preferences->contains(QString::fromLatin1(key)), key);
+
+        // No display saved counts as an empty one.
+        m_preferences->setValue(QStringLiteral("MenuHotKeyKeyCode"), int(Qt::Key_F5));
+        QCOMPARE(m_centers->menu().current(), (HotKeyCombination{Qt::Key_F5, 0, {}}));
+    }
+
+    void recorderDecidesOnKeys()
+    {
+        const auto none = Qt::KeyboardModifiers();
+        const auto ctrlAltQt = Qt::ControlModifier | Qt::AltModifier;
+        const struct {
+            int key;
+            Qt::KeyboardModifiers modifiers;
+            Outcome outcome;
+            HotKeyCombination saved; // display empty: nothing saved
+        } cases[] = {
+            {Qt::Key_A, Qt::ShiftModifier, Outcome::Refused, {}}, // Shift alone does not count
+            {Qt::Key_A, none, Outcome::Refused, {}},
+            {Qt::Key_F13, none, Outcome::Refused, {}}, // only F1-F12 stand alone
+            {Qt::Key_Control, Qt::ControlModifier, Outcome::Ignored, {}},
+            {Qt::Key_Escape, none, Outcome::Cancelled, {}},
+            {Qt::Key_F5, none, Outcome::Registered, {Qt::Key_F5, 0, QStringLiteral("F5")}},
+            {Qt::Key_Space, ctrlAltQt, Outcome::Registered, {Qt::Key_Space, 6144, QStringLiteral("Ctrl+Alt+Leertaste")}},
+            {Qt::Key_Escape, Qt::MetaModifier, Outcome::Registered, {Qt::Key_Escape, 256, QStringLiteral("Super+Esc")}},
+            {Qt::Key_K, Qt::MetaModifier | Qt::ShiftModifier | ctrlAltQt, Outcome::Registered,
+             {Qt::Key_K, 6912, QStringLiteral("Ctrl+Alt+Shift+Super+K")}},
+            {Qt::Key_Backtab, Qt::ShiftModifier | Qt::ControlModifier, Outcome::Registered,
+             {Qt::Key_Tab, 4608, QStringLiteral("Ctrl+Shift+Tab")}},
+        };
+        for (const auto &c : cases) {
+            init();
+            auto model = recorder(m_centers->search());
+            QCOMPARE(model->handleKey(c.key, c.modifiers), c.outcome);
+            QCOMPARE(model->display(), c.saved.display);
+            QCOMPARE(model->isRecording(), c.outcome != Outcome::Registered && c.outcome != Outcome::Cancelled);
+            QVERIFY(!model->isTaken());
+            QCOMPARE(m_centers->search().current(), c.saved.display.isEmpty() ? std::nullopt : std::optional(c.saved));
+        }
+    }
+
+    void recorderRefusesCombinationsInUse()
+    {
+        m_desktop = {{Qt::Key_T, ctrlAlt, {}}};
+        QVERIFY(m_centers->search().registerHotKey(Qt::Key_K, ctrlAlt, QStringLiteral("Ctrl+Alt+K")));
+        m_backend->refusals.insert({Qt::Key_L, ctrlAlt}, HotKeyRefusal::Taken);
+        auto model = recorder(m_centers->menu());
+        QSignalSpy changed(model.get(), &HotKeyRecorderModel::changed);
+
+        for (const int key : {Qt::Key_T, Qt::Key_K, Qt::Key_L}) {
+            QCOMPARE(model->handleKey(key, Qt::ControlModifier | Qt::AltModifier), Outcome::Taken);
+            QVERIFY(model->isTaken());
+            QVERIFY(model->isRecording());
+        }
+        QCOMPARE(m_centers->menu().current(), std::nullopt);
+        QCOMPARE(changed.count(), 3);
+
+        // The next free combination goes through and the warning goes away.
+        QCOMPARE(model->handleKey(Qt::Key_M, Qt::ControlModifier | Qt::AltModifier), Outcome::Registered);
+        QVERIFY(!model->isTaken());
+        // Starting again clears an old warning.
+        model->startRecording();
+        model->handleKey(Qt::Key_T, Qt::ControlModifier | Qt::AltModifier);
+        model->startRecording();
+        QVERIFY(!model->isTaken());
+
+        model->clear();
+        QCOMPARE(model->display(), QString());
+        QCOMPARE(m_centers->menu().current(), std::nullopt);
+
+        // Where the session has no global shortcuts, the combination is kept
+        // for the desktop's own settings.
+        m_backend->refusals.insert({Qt::Key_Space, HotKeyModifier::Super}, HotKeyRefusal::Unavailable);
+        model->startRecording();
+        QCOMPARE(model->handleKey(Qt::Key_Space, Qt::MetaModifier), Outcome::Unbound);
+        QVERIFY(!model->isRecording());
+        QCOMPARE(model->unbound(), (HotKeyCombination{Qt::Key_Space, HotKeyModifier::Super, QStringLiteral("Super+Leertaste")}));
+        QCOMPARE(m_centers->menu().current(), std::nullopt);
+    }
+
+    void gnomeAccelerators()
+    {
+        const QList<std::pair<QString, HotKeyCombination>> readable{
+            {QStringLiteral("<Primary><Alt>F1"), {Qt::Key_F1, ctrlAlt, {}}},
+            {QStringLiteral("<Shift><Super>Page_Up"), {Qt::Key_PageUp, HotKeyModifier::Shift | HotKeyModifier::Super, {}}},
+            {QStringLiteral("<Control><Alt>t"), {Qt::Key_T, ctrlAlt, {}}},
+            {QStringLiteral("Print"), {Qt::Key_Print, 0, {}}},
+        };
+        for (const auto &[text, combination] : readable) {
+            QCOMPARE(fromGtkAccelerator(text), combination);
+            // Written back in GNOME's spelling, it reads the same.
+            QCOMPARE(fromGtkAccelerator(gtkAccelerator(combination.keyCode, combination.modifiers)), combination);
+        }
+        // Hyper is none of the four modifiers, so it never conflicts.
+        for (const char *unreadable : {"<Hyper>x", "<Super>XF86Keyboard", "<Super", ""})
+            QCOMPARE(fromGtkAccelerator(QString::fromLatin1(unreadable)), std::nullopt);
+    }
+
+    void kdeShortcutsAreRead()
+    {
+        QFile file(m_dir.filePath(QStringLiteral("kglobalshortcutsrc")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        // Active keys only (not the defaults), several per action, a comma as a key.
+        file.write("[kwin]\n_k_friendly_name=KWin\n"
+                   "Expose=Ctrl+F9\tMeta+Shift+W,Ctrl+F9,Toggle Present Windows, all\n"
+                   "Walk Through Windows=none,Alt+Tab,Walk Through Windows\n"
+                   "[org.kde.konsole.desktop]\nSettings=Ctrl+,,none,Settings\n");
+        file.close();
+        const QList<HotKeyCombination> expected{
+            {Qt::Key_F9, HotKeyModifier::Ctrl, {}},
+            {Qt::Key_W, HotKeyModifier::Super | HotKeyModifier::Shift, {}},
+            {Qt::Key_Comma, HotKeyModifier::Ctrl, {}},
+        };
+        QCOMPARE(kdeShortcuts(file.fileName()), expected);
+        QVERIFY(kdeShortcuts(m_dir.filePath(QStringLiteral("missing"))).isEmpty());
+    }
+};
+
+QTEST_MAIN(TestHotKeys)
+#include "test_hotkeys.moc"

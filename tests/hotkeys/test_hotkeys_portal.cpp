@@ -1,0 +1,194 @@
+#include "config/preferences.h"
+#include "hotkeys/hotkeycenter.h"
+#include "hotkeys/portal_hotkeys.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QString portalInterface = QString::fromLatin1(PortalHotKeys::interface);
+constexpr quint32 ctrlAlt = HotKeyModifier::Ctrl | HotKeyModifier::Alt;
+
+// A desktop portal with the GlobalShortcuts interface (or without it), on
+// its own connection to the private session bus. It answers every request
+// at once and keeps what it was asked.
+class FakePortal final : public QDBusVirtualObject
+{
+public:
+    struct Bound {
+        QString session;
+        QMap<QString, QVariantMap> shortcuts;
+    };
+    QList<QVariantMap> sessions;
+    QList<Bound> binds;
+    QStringList closed;
+
+    explicit FakePortal(bool hasGlobalShortcuts)
+        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal%1").arg(++s_count)))
+        , m_hasGlobalShortcuts(hasGlobalShortcuts)
+    {
+        m_bus.registerVirtualObject(QString::fromLatin1(PortalHotKeys::path), this, QDBusConnection::SubPath);
+        m_bus.registerService(QString::fromLatin1(PortalHotKeys::service));
+    }
+    ~FakePortal() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
+
+    void activate(const QString &session, const QString &id)
+    {
+        QDBusMessage signal = QDBusMessage::createSignal(QString::fromLatin1(PortalHotKeys::path), portalInterface,
+                                                         QStringLiteral("Activated"));
+        signal << QVariant::fromValue(QDBusObjectPath(session)) << id << qulonglong(1) << QVariantMap();
+        m_bus.send(signal);
+    }
+
+    QString introspect(const QString &) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &) override
+    {
+        const QString member = message.member();
+        QString sender = message.service().mid(1);
+        sender.replace(u'.', u'_');
+        if (member == QLatin1String("Get")) {
+            if (!m_hasGlobalShortcuts || message.arguments().value(0).toString() != portalInterface)
+                return m_bus.send(message.createErrorReply(QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"),
+                                                           QStringLiteral("No such interface")));
+            return m_bus.send(message.createReply(QVariant::fromValue(QDBusVariant(1u))));
+        }
+        if (member == QLatin1String("Close")) {
+            closed.append(message.path());
+            return m_bus.send(message.createReply());
+        }
+        QVariantMap options;
+        QVariantMap results;
+        if (member == QLatin1String("CreateSession")) {
+            options = qdbus_cast<QVariantMap>(message.arguments().value(0));
+            sessions.append(options);
+            results.insert(QStringLiteral("session_handle"),
+                           QStringLiteral("/org/freedesktop/portal/desktop/session/%1/%2")
+                               .arg(sender, options.value(QStringLiteral("session_handle_token")).toString()));
+        } else if (member == QLatin1String("BindShortcuts")) {
+            Bound bound{message.arguments().value(0).value<QDBusObjectPath>().path(), {}};
+            const QDBusArgument list = message.arguments().value(1).value<QDBusArgument>();
+            list.beginArray();
+            while (!list.atEnd()) {
+                QString id;
+                QVariantMap properties;
+                list.beginStructure();
+                list >> id >> properties;
+                list.endStructure();
+                bound.shortcuts.insert(id, properties);
+            }
+            list.endArray();
+            binds.append(bound);
+            options = qdbus_cast<QVariantMap>(message.arguments().value(3));
+        } else {
+            return false;
+        }
+        const QString request = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
+                                    .arg(sender, options.value(QStringLiteral("handle_token")).toString());
+        m_bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(request))));
+        QDBusMessage response =
+            QDBusMessage::createSignal(request, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
+        response << 0u << results;
+        return m_bus.send(response);
+    }
+
+private:
+    static inline int s_count = 0;
+    QDBusConnection m_bus;
+    bool m_hasGlobalShortcuts;
+};
+
+} // namespace
+
+// The conversation with the GlobalShortcuts portal, over a private session
+// bus (dbus-run-session) with a fake portal on it.
+class TestHotKeysPortal : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    std::unique_ptr<Preferences> m_preferences;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(QDBusConnection::sessionBus().isConnected());
+        m_preferences = std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("Quillon.conf")));
+    }
+
+    void bindsEveryCombinationAndRunsTheActivatedOne()
+    {
+        FakePortal portal(true);
+        PortalHotKeys backend;
+        HotKeyCenters centers(*m_preferences, backend);
+        int searches = 0;
+        int menus = 0;
+        centers.search().setAction([&searches] { ++searches; });
+        centers.menu().setAction([&menus] { ++menus; });
+
+        QVERIFY(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, QStringLiteral("Ctrl+Alt+Space")));
+        QTRY_COMPARE(portal.binds.size(), 1);
+        QCOMPARE(portal.sessions.at(0).value(QStringLiteral("session_handle_token")).toString(), QStringLiteral("quillon"));
+        QCOMPARE(portal.binds.at(0).shortcuts.keys(), QStringList{QStringLiteral("hotkey-1")});
+        const QVariantMap search = portal.binds.at(0).shortcuts.value(QStringLiteral("hotkey-1"));
+        QCOMPARE(search.value(QStringLiteral("preferred_trigger")).toString(), QStringLiteral("CTRL+ALT+space"));
+        QVERIFY(!search.value(QStringLiteral("description")).toString().isEmpty());
+
+        // A session binds once: the next change binds both anew in a new one.
+        QVERIFY(centers.menu().registerHotKey(Qt::Key_M, HotKeyModifier::Super, QStringLiteral("Super+M")));
+        QTRY_COMPARE(portal.binds.size(), 2);
+        QCOMPARE(portal.closed, QStringList{portal.binds.at(0).session});
+        QCOMPARE(portal.binds.at(1).shortcuts.keys(), (QStringList{QStringLiteral("hotkey-1"), QStringLiteral("hotkey-2")}));
+        QCOMPARE(portal.binds.at(1).shortcuts.value(QStringLiteral("hotkey-2")).value(QStringLiteral("preferred_trigger")),
+                 QVariant(QStringLiteral("LOGO+m")));
+
+        portal.activate(portal.binds.at(1).session, QStringLiteral("hotkey-2"));
+        QTRY_COMPARE(menus, 1);
+        QCOMPARE(searches, 0);
+        // Nothing from another program's session.
+        portal.activate(QStringLiteral("/org/freedesktop/portal/desktop/session/1_1/other"), QStringLiteral("hotkey-1"));
+        portal.activate(portal.binds.at(1).session, QStringLiteral("hotkey-1"));
+        QTRY_COMPARE(searches, 1);
+        QTest::qWait(100);
+        QCOMPARE(searches, 1);
+
+        centers.search().clear();
+        centers.menu().clear();
+    }
+
+    void aPortalStartingLaterGetsTheCombination()
+    {
+        PortalHotKeys backend;
+        HotKeyCenters centers(*m_preferences, backend);
+        QTest::qWait(100);
+        QVERIFY(centers.search().registerHotKey(Qt::Key_F5, 0, QStringLiteral("F5")));
+        auto portal = std::make_unique<FakePortal>(true);
+        QTRY_COMPARE(portal->binds.size(), 1);
+        QCOMPARE(portal->binds.at(0).shortcuts.value(QStringLiteral("hotkey-1")).value(QStringLiteral("preferred_trigger")),
+                 QVariant(QStringLiteral("F5")));
+        // A restarted portal knows nothing of the old session.
+        portal.reset();
+        portal = std::make_unique<FakePortal>(true);
+        QTRY_COMPARE(portal->binds.size(), 1);
+        centers.search().clear();
+    }
+
+    void aPortalWithoutGlobalShortcutsRefuses()
+    {
+        FakePortal portal(false);
+        PortalHotKeys backend;
+        QTRY_VERIFY(!backend.isAvailable());
+        HotKeyCenters centers(*m_preferences, backend);
+        QCOMPARE(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, {}), HotKeyRegistration{HotKeyRefusal::Unavailable});
+        QVERIFY(portal.binds.isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHotKeysPortal)
+#include "test_hotkeys_portal.moc"
