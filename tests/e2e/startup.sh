@@ -8,6 +8,11 @@ quillon=$1
 artifacts=$2
 source "$(dirname "$0")/session.sh"
 
+# A saved menu hot key (Ctrl+Alt+M) comes back at start.
+mkdir -p "$XDG_CONFIG_HOME/Quillon"
+printf '[General]\nMenuHotKeyKeyCode=77\nMenuHotKeyModifiers=6144\nMenuHotKeyDisplay=Ctrl+Alt+M\n' \
+  >"$XDG_CONFIG_HOME/Quillon/Quillon.conf"
+
 start_tray
 "$quillon" --autostart >"$artifacts/quillon.log" 2>&1 &
 first=$!
@@ -15,6 +20,12 @@ sleep 3
 kill -0 "$first" 2>/dev/null || fail "quillon --autostart exited"
 [ "$(menus)" -eq 0 ] || fail "a login launch opened the menu"
 shot login
+
+xdotool mousemove 400 300 key ctrl+alt+m
+wait_for_menus 1 30 || fail "the menu hot key did not pop the menu up"
+shot hotkey
+xdotool key Escape
+sleep 0.5
 
 # A second quillon hands over to the first and leaves.
 timeout 10 "$quillon" || fail "the second quillon did not leave cleanly"
