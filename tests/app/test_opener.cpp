@@ -2,36 +2,13 @@
 #include "config/urls.h"
 #include "platform/giolauncher.h"
 #include "platform/settingscommand.h"
+#include "fixtures.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
-
-// Records what would have been started, and fails when told to.
-class FakeLauncher final : public Launcher
-{
-public:
-    QStringList calls;
-    std::optional<QString> failure;
-
-    void launchApplication(const QString &desktopFile, const Done &done) override
-    {
-        calls.append(QStringLiteral("launch ") + desktopFile);
-        done(failure);
-    }
-    void openWithDefaultHandler(const QUrl &url, const Done &done) override
-    {
-        calls.append(QStringLiteral("default ") + url.toString());
-        done(failure);
-    }
-    void startProgram(const QString &program, const QStringList &arguments, const Done &done) override
-    {
-        calls.append(QStringLiteral("start ") + (QStringList{program} + arguments).join(QLatin1Char('|')));
-        done(failure);
-    }
-};
 
 } // namespace
 

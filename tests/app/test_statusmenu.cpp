@@ -8,7 +8,7 @@
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
-#include "platform/launcher.h"
+#include "fixtures.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QLineEdit>
@@ -18,36 +18,6 @@
 #include <QWidgetAction>
 
 namespace {
-
-class RecordingLauncher final : public Launcher
-{
-public:
-    QList<QUrl> opened;
-    void launchApplication(const QString &file, const Done &done) override
-    {
-        opened.append(QUrl::fromLocalFile(file));
-        done(std::nullopt);
-    }
-    void openWithDefaultHandler(const QUrl &url, const Done &done) override
-    {
-        opened.append(url);
-        done(std::nullopt);
-    }
-    void startProgram(const QString &program, const QStringList &arguments, const Done &done) override
-    {
-        opened.append(QUrl(QStringLiteral("run:") + program + QLatin1Char(' ') + arguments.join(QLatin1Char(' '))));
-        done(std::nullopt);
-    }
-};
-
-Pane pane(const QString &id, const QString &name)
-{
-    Pane p;
-    p.id = id;
-    p.name = name;
-    p.url = QUrl(QStringLiteral("settings://gnome/") + id);
-    return p;
-}
 
 QStringList lines(const QString &text)
 {
@@ -69,7 +39,7 @@ private:
     std::unique_ptr<MenuStore> m_store;
     std::unique_ptr<Updates> m_updates;
     std::unique_ptr<ShortcutLibrary> m_shortcuts;
-    RecordingLauncher m_launcher;
+    FakeLauncher m_launcher;
     std::unique_ptr<Opener> m_opener;
     std::unique_ptr<StatusMenu> m_menu;
 
@@ -81,8 +51,8 @@ private Q_SLOTS:
         qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("none")).toUtf8());
         m_catalog.sections = {{QStringLiteral("wifi"), QStringLiteral("bluetooth")}};
-        m_catalog.panes = {pane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
-                           pane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth"))};
+        m_catalog.panes = {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
+                           testPane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth"))};
         m_index = Destination::buildIndex(m_catalog);
         m_strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
         m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
@@ -97,7 +67,7 @@ private Q_SLOTS:
             m_dir.filePath(QStringLiteral("%1.conf").arg(QTest::currentTestFunction())));
         m_store = std::make_unique<MenuStore>(*m_preferences);
         m_updates = std::make_unique<Updates>(*m_preferences, QUrl(), QStringLiteral("1.0"));
-        m_launcher.opened.clear();
+        m_launcher.calls.clear();
         StatusMenu::Services services{
             MenuBuilder::Context{*m_store, *m_shortcuts, *m_strings, m_catalog, m_index},
             *m_preferences,
@@ -203,7 +173,7 @@ private Q_SLOTS:
             field = qobject_cast<QWidgetAction *>(m_menu->menu()->actions().first())->defaultWidget()->findChild<QLineEdit *>();
         QVERIFY(field);
         Q_EMIT field->returnPressed();
-        QCOMPARE(m_launcher.opened, QList{QUrl(QStringLiteral("run:gnome-control-center wifi"))});
+        QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("start gnome-control-center|wifi")});
         QCOMPARE(m_store->recents().first(), QUrl(QStringLiteral("settings://gnome/wifi")));
     }
 

@@ -3,7 +3,7 @@
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
-#include "platform/launcher.h"
+#include "fixtures.h"
 #include "search/searchpanel.h"
 #include "search/searchpanelcontroller.h"
 #include "search/searchpanelmodel.h"
@@ -19,42 +19,9 @@
 
 namespace {
 
-// Notes how things stood at the moment something was launched.
-class WitnessLauncher final : public Launcher
-{
-public:
-    std::function<QString()> witness;
-    QStringList calls;
-
-    void launchApplication(const QString &desktopFile, const Done &done) override
-    {
-        calls.append(desktopFile + QLatin1Char(' ') + witness());
-        done(std::nullopt);
-    }
-    void openWithDefaultHandler(const QUrl &url, const Done &done) override
-    {
-        calls.append(url.toString());
-        done(std::nullopt);
-    }
-    void startProgram(const QString &program, const QStringList &, const Done &done) override
-    {
-        calls.append(program);
-        done(std::nullopt);
-    }
-};
-
 QUrl appURL(const QString &name)
 {
     return QUrl::fromLocalFile(QStringLiteral("/apps/%1.desktop").arg(name));
-}
-
-Pane pane(const QString &id, const QString &name)
-{
-    Pane p;
-    p.id = id;
-    p.name = name;
-    p.url = QUrl(QStringLiteral("settings://gnome/") + id);
-    return p;
 }
 
 } // namespace
@@ -71,7 +38,7 @@ private:
     std::unique_ptr<ShortcutLibrary> m_shortcuts;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<MenuStore> m_store;
-    WitnessLauncher m_launcher;
+    FakeLauncher m_launcher;
     std::unique_ptr<Opener> m_opener;
     std::unique_ptr<SearchPanelController> m_controller;
     QList<App> m_apps;
@@ -103,8 +70,8 @@ private Q_SLOTS:
         qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("none")).toUtf8());
         m_catalog.sections = {{QStringLiteral("notifications"), QStringLiteral("network")}};
-        m_catalog.panes = {pane(QStringLiteral("notifications"), QStringLiteral("Notifications")),
-                           pane(QStringLiteral("network"), QStringLiteral("Network"))};
+        m_catalog.panes = {testPane(QStringLiteral("notifications"), QStringLiteral("Notifications")),
+                           testPane(QStringLiteral("network"), QStringLiteral("Network"))};
         m_index = Destination::buildIndex(m_catalog);
         m_strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
         m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
@@ -223,7 +190,7 @@ private Q_SLOTS:
         m_controller->show();
         QTest::keyClicks(field(), QStringLiteral("nuk"));
         QTest::keyClick(field(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-        QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("/apps/Nuke.desktop shown=0 recent=Nuke.desktop")});
+        QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("launch /apps/Nuke.desktop shown=0 recent=Nuke.desktop")});
         QVERIFY(!m_controller->isShown());
     }
 
@@ -236,7 +203,7 @@ private Q_SLOTS:
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
         QVERIFY(m_controller->isShown());
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(2, 0)).center());
-        QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("/apps/Numbers.desktop shown=0 recent=Numbers.desktop")});
+        QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("launch /apps/Numbers.desktop shown=0 recent=Numbers.desktop")});
     }
 
     void theBodyHangsFromAFixedTopEdge()

@@ -5,23 +5,12 @@
 #include "config/urls.h"
 #include "search/searchsession.h"
 #include "search/textmatch.h"
+#include "fixtures.h"
 
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
-
-Pane pane(const QString &id, const QString &name, QList<Item> items = {}, std::optional<QList<QList<QString>>> children = {})
-{
-    Pane p;
-    p.id = id;
-    p.name = name;
-    p.url = QUrl(QStringLiteral("settings://gnome/") + id);
-    if (!items.isEmpty())
-        p.sections = {ItemSection{std::nullopt, std::nullopt, items}};
-    p.children = children;
-    return p;
-}
 
 Item item(const QString &label, const QString &url, Kind kind = Kind::Page)
 {
@@ -97,13 +86,13 @@ private Q_SLOTS:
         m_catalog.sections = {{QStringLiteral("wifi"), QStringLiteral("missing"), QStringLiteral("privacy")},
                               {QStringLiteral("online-accounts")}};
         m_catalog.panes = {
-            pane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"),
+            testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"),
                  {item(QStringLiteral("Create Hotspot"), QStringLiteral("settings://gnome/wifi/create-wifi"), Kind::Sheet)}),
-            pane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
+            testPane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
                  QList<QList<QString>>{{QStringLiteral("location"), QStringLiteral("camera")}}),
-            pane(QStringLiteral("location"), QStringLiteral("Location Services")),
-            pane(QStringLiteral("camera"), QStringLiteral("Camera")),
-            pane(QStringLiteral("online-accounts"), QStringLiteral("Online Accounts"),
+            testPane(QStringLiteral("location"), QStringLiteral("Location Services")),
+            testPane(QStringLiteral("camera"), QStringLiteral("Camera")),
+            testPane(QStringLiteral("online-accounts"), QStringLiteral("Online Accounts"),
                  {item(QStringLiteral("Add Google Account"), QStringLiteral("settings://gnome/online-accounts/add/google")),
                   item(QStringLiteral("Add Nextcloud Account"), QStringLiteral("settings://gnome/online-accounts/add/owncloud"))}),
         };
