@@ -3,7 +3,10 @@
 // Small stand-ins shared by the tests of the menu, the search and opening.
 
 #include "catalog/catalog.h"
+#include "catalog/destination.h"
+#include "catalog/systemstrings.h"
 #include "platform/launcher.h"
+#include "search/searchsession.h"
 
 #include <functional>
 
@@ -51,3 +54,36 @@ inline Pane testPane(const QString &id, const QString &name, const QList<Item> &
     pane.children = children;
     return pane;
 }
+
+// A hand-made catalog with its URL index and the English interface texts,
+// and searches over it.
+struct TestCatalog {
+    Catalog catalog;
+    QHash<QUrl, Destination> index;
+    std::unique_ptr<SystemStrings> strings;
+
+    void set(const QList<QList<QString>> &sections, const QList<Pane> &panes)
+    {
+        catalog.sections = sections;
+        catalog.panes = panes;
+        index = Destination::buildIndex(catalog);
+        strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
+    }
+
+    // No applications and real folder listings unless given.
+    SearchContext searchContext(const ShortcutLibrary *shortcuts, std::function<QList<App>()> scanApps = {},
+                                std::function<QList<FolderEntry>(const FolderSource &)> listFolder = {})
+    {
+        SearchContext context;
+        context.catalog = &catalog;
+        context.destinations = &index;
+        context.strings = strings.get();
+        context.shortcuts = shortcuts;
+        context.scanApps = scanApps ? scanApps : [] { return QList<App>{}; };
+        context.listFolder = listFolder ? listFolder
+                                        : [](const FolderSource &f) { return FolderListing::list(f.url, f.sort); };
+        context.applicationsTitle = QStringLiteral("Applications");
+        context.shortcutsTitle = QStringLiteral("Shortcuts");
+        return context;
+    }
+};

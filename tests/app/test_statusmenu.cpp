@@ -32,9 +32,7 @@ class TestStatusMenu : public QObject
 
 private:
     QTemporaryDir m_dir;
-    Catalog m_catalog;
-    QHash<QUrl, Destination> m_index;
-    std::unique_ptr<SystemStrings> m_strings;
+    TestCatalog m_settings;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<MenuStore> m_store;
     std::unique_ptr<Updates> m_updates;
@@ -50,11 +48,9 @@ private Q_SLOTS:
     {
         qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("none")).toUtf8());
-        m_catalog.sections = {{QStringLiteral("wifi"), QStringLiteral("bluetooth")}};
-        m_catalog.panes = {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
-                           testPane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth"))};
-        m_index = Destination::buildIndex(m_catalog);
-        m_strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
+        m_settings.set({{QStringLiteral("wifi"), QStringLiteral("bluetooth")}},
+                       {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
+                        testPane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth"))});
         m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
         m_opener = std::make_unique<Opener>(m_launcher, [](const QString &) {});
     }
@@ -69,21 +65,11 @@ private Q_SLOTS:
         m_updates = std::make_unique<Updates>(*m_preferences, QUrl(), QStringLiteral("1.0"));
         m_launcher.calls.clear();
         StatusMenu::Services services{
-            MenuBuilder::Context{*m_store, *m_shortcuts, *m_strings, m_catalog, m_index},
+            MenuBuilder::Context{*m_store, *m_shortcuts, *m_settings.strings, m_settings.catalog, m_settings.index},
             *m_preferences,
             *m_updates,
             *m_opener,
-            [this] {
-                SearchContext context;
-                context.catalog = &m_catalog;
-                context.destinations = &m_index;
-                context.strings = m_strings.get();
-                context.shortcuts = m_shortcuts.get();
-                context.scanApps = [] { return QList<App>{}; };
-                context.listFolder = [](const FolderSource &f) { return FolderListing::list(f.url, f.sort); };
-                context.applicationsTitle = QStringLiteral("Applications");
-                return context;
-            },
+            [this] { return m_settings.searchContext(m_shortcuts.get()); },
         };
         m_menu = std::make_unique<StatusMenu>(services, [] {});
     }
@@ -187,8 +173,8 @@ private Q_SLOTS:
         file.close();
         Updates updates(*m_preferences, QUrl::fromLocalFile(feed), QStringLiteral("1.0"));
         StatusMenu::Services services{
-            MenuBuilder::Context{*m_store, *m_shortcuts, *m_strings, m_catalog, m_index}, *m_preferences, updates,
-            *m_opener, [this] { return SearchContext{&m_catalog, &m_index, m_strings.get(), m_shortcuts.get(), {}, {}, {}, {}}; }};
+            MenuBuilder::Context{*m_store, *m_shortcuts, *m_settings.strings, m_settings.catalog, m_settings.index}, *m_preferences, updates,
+            *m_opener, [this] { return m_settings.searchContext(m_shortcuts.get()); }};
         StatusMenu menu(services, [] {});
 
         updates.runScheduledCheckIfDue();

@@ -32,9 +32,7 @@ class TestSearchPanel : public QObject
 
 private:
     QTemporaryDir m_dir;
-    Catalog m_catalog;
-    QHash<QUrl, Destination> m_index;
-    std::unique_ptr<SystemStrings> m_strings;
+    TestCatalog m_settings;
     std::unique_ptr<ShortcutLibrary> m_shortcuts;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<MenuStore> m_store;
@@ -46,18 +44,10 @@ private:
 
     SearchContext context()
     {
-        SearchContext context;
-        context.catalog = &m_catalog;
-        context.destinations = &m_index;
-        context.strings = m_strings.get();
-        context.shortcuts = m_shortcuts.get();
-        context.scanApps = [this] {
+        return m_settings.searchContext(m_shortcuts.get(), [this] {
             ++m_scans;
             return m_apps;
-        };
-        context.listFolder = [](const FolderSource &) { return QList<FolderEntry>{}; };
-        context.applicationsTitle = QStringLiteral("Applications");
-        return context;
+        });
     }
 
     QLineEdit *field() const { return m_controller->view()->field(); }
@@ -69,11 +59,9 @@ private Q_SLOTS:
         QStandardPaths::setTestModeEnabled(true);
         qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("none")).toUtf8());
-        m_catalog.sections = {{QStringLiteral("notifications"), QStringLiteral("network")}};
-        m_catalog.panes = {testPane(QStringLiteral("notifications"), QStringLiteral("Notifications")),
-                           testPane(QStringLiteral("network"), QStringLiteral("Network"))};
-        m_index = Destination::buildIndex(m_catalog);
-        m_strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
+        m_settings.set({{QStringLiteral("notifications"), QStringLiteral("network")}},
+                       {testPane(QStringLiteral("notifications"), QStringLiteral("Notifications")),
+                        testPane(QStringLiteral("network"), QStringLiteral("Network"))});
         m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
         m_opener = std::make_unique<Opener>(m_launcher, [](const QString &) {});
         for (const QString &name : {QStringLiteral("Notes"), QStringLiteral("Numbers"), QStringLiteral("Nuke"),
@@ -104,7 +92,7 @@ private Q_SLOTS:
         };
         m_scans = 0;
         m_controller = std::make_unique<SearchPanelController>(SearchPanelController::Services{
-            *m_store, *m_shortcuts, *m_opener, *m_strings, [this] { return context(); }});
+            *m_store, *m_shortcuts, *m_opener, *m_settings.strings, [this] { return context(); }});
     }
 
     void selectionFollowsItsURLAcrossSearches()

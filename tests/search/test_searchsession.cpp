@@ -42,30 +42,23 @@ class TestSearchSession : public QObject
 
 private:
     QTemporaryDir m_dir;
-    Catalog m_catalog;
-    QHash<QUrl, Destination> m_index;
-    std::unique_ptr<SystemStrings> m_strings;
+    TestCatalog m_settings;
     QList<App> m_apps;
     int m_scans = 0;
     int m_listings = 0;
 
     SearchContext context()
     {
-        SearchContext c;
-        c.catalog = &m_catalog;
-        c.destinations = &m_index;
-        c.strings = m_strings.get();
-        c.scanApps = [this] {
-            ++m_scans;
-            return m_apps;
-        };
-        c.listFolder = [this](const FolderSource &folder) {
-            ++m_listings;
-            return FolderListing::list(folder.url, folder.sort);
-        };
-        c.applicationsTitle = QStringLiteral("Applications");
-        c.shortcutsTitle = QStringLiteral("Shortcuts");
-        return c;
+        return m_settings.searchContext(
+            nullptr,
+            [this] {
+                ++m_scans;
+                return m_apps;
+            },
+            [this](const FolderSource &folder) {
+                ++m_listings;
+                return FolderListing::list(folder.url, folder.sort);
+            });
     }
 
     std::unique_ptr<Preferences> m_preferences;
@@ -82,10 +75,9 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        m_catalog.osVersion = QStringLiteral("43");
-        m_catalog.sections = {{QStringLiteral("wifi"), QStringLiteral("missing"), QStringLiteral("privacy")},
-                              {QStringLiteral("online-accounts")}};
-        m_catalog.panes = {
+        m_settings.set({{QStringLiteral("wifi"), QStringLiteral("missing"), QStringLiteral("privacy")},
+                        {QStringLiteral("online-accounts")}},
+                       {
             testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"),
                  {item(QStringLiteral("Create Hotspot"), QStringLiteral("settings://gnome/wifi/create-wifi"), Kind::Sheet)}),
             testPane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
@@ -95,9 +87,7 @@ private Q_SLOTS:
             testPane(QStringLiteral("online-accounts"), QStringLiteral("Online Accounts"),
                  {item(QStringLiteral("Add Google Account"), QStringLiteral("settings://gnome/online-accounts/add/google")),
                   item(QStringLiteral("Add Nextcloud Account"), QStringLiteral("settings://gnome/online-accounts/add/owncloud"))}),
-        };
-        m_index = Destination::buildIndex(m_catalog);
-        m_strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
+                       });
         m_apps = {app(QStringLiteral("Visual Studio")), app(QStringLiteral("Safari")), app(QStringLiteral("Écran")),
                   app(QStringLiteral("Sane Scanner")), app(QStringLiteral("Straße"))};
     }
