@@ -96,12 +96,6 @@ void rebuildTopLevel(benchmark::State &state)
 }
 BENCHMARK(rebuildTopLevel)->Unit(benchmark::kMillisecond);
 
-SearchContext searchContext(Setup &setup)
-{
-    SearchContext context = SearchContext::shared(setup.services.shortcuts);
-    return context;
-}
-
 void loadShortcuts(ShortcutLibrary &library)
 {
     library.refresh();
@@ -115,7 +109,7 @@ void firstSearchWithAppScan(benchmark::State &state)
 {
     Setup setup;
     for (auto _ : state) {
-        SearchSession session(setup.services.store, searchContext(setup));
+        SearchSession session(setup.services.sources);
         benchmark::DoNotOptimize(session.search(QStringLiteral("a"), 12));
     }
 }
@@ -128,7 +122,8 @@ void searchKeystroke(benchmark::State &state)
     loadShortcuts(library);
     if (library.allShortcuts().size() != 500)
         state.SkipWithError("the shortcuts tool did not load");
-    SearchSession session(setup.services.store, SearchContext::shared(library));
+    const ContentSources sources(SourceContext::shared(setup.services.store, library));
+    SearchSession session(sources);
     session.search(QStringLiteral("d"), 12); // the first keystroke fills the caches
     const QStringList queries{QStringLiteral("do"), QStringLiteral("doc"), QStringLiteral("docu"), QStringLiteral("ta"),
                               QStringLiteral("wi"), QStringLiteral("app")};

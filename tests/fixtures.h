@@ -6,9 +6,11 @@
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"
 #include "platform/launcher.h"
-#include "search/searchsession.h"
+#include "sources/contentsources.h"
 
 #include <functional>
+#include <memory>
+#include <vector>
 
 // Records what would have been started ("launch <file>", "default <url>",
 // "start <program>|<arguments>"), with what `witness` says at that moment,
@@ -70,20 +72,19 @@ struct TestCatalog {
         strings = std::make_unique<SystemStrings>(std::nullopt, QStringList{QStringLiteral("en")});
     }
 
-    // No applications and real folder listings unless given.
-    SearchContext searchContext(const ShortcutLibrary *shortcuts, std::function<QList<App>()> scanApps = {},
-                                std::function<QList<FolderEntry>(const FolderSource &)> listFolder = {})
+    // Content sources over this catalog: no applications and real folder
+    // listings unless given. Each is kept as long as the catalog.
+    const ContentSources &sources(MenuStore &store, const ShortcutLibrary &shortcuts,
+                                  std::function<QList<AppEntry>()> scanApps = {},
+                                  std::function<QList<FolderEntry>(const QUrl &, FolderSort)> listFolder = {})
     {
-        SearchContext context;
-        context.catalog = &catalog;
-        context.destinations = &index;
-        context.strings = strings.get();
-        context.shortcuts = shortcuts;
-        context.scanApps = scanApps ? scanApps : [] { return QList<App>{}; };
-        context.listFolder = listFolder ? listFolder
-                                        : [](const FolderSource &f) { return FolderListing::list(f.url, f.sort); };
-        context.applicationsTitle = QStringLiteral("Applications");
-        context.shortcutsTitle = QStringLiteral("Shortcuts");
-        return context;
+        SourceContext context{store, shortcuts, *strings, catalog, index};
+        context.scanApps = scanApps ? scanApps : [] { return QList<AppEntry>{}; };
+        if (listFolder)
+            context.listFolder = listFolder;
+        made.push_back(std::make_unique<ContentSources>(context));
+        return *made.back();
     }
+
+    std::vector<std::unique_ptr<ContentSources>> made;
 };

@@ -120,7 +120,7 @@ void AppDelegate::handle(InstanceCommand command)
 void AppDelegate::showSettings()
 {
     if (!m_settings)
-        m_settings = std::make_unique<SettingsWindow>(m_services, HotKeyCenters::shared());
+        m_settings = std::make_unique<SettingsWindow>(m_services.settingsServices(HotKeyCenters::shared()));
     m_settings->present();
 }
 
@@ -128,11 +128,9 @@ SearchPanelController &AppDelegate::searchPanel()
 {
     if (!m_searchPanel) {
         m_searchPanel = std::make_unique<SearchPanelController>(SearchPanelController::Services{
-            m_services.store,
+            m_services.sources,
             m_services.shortcuts,
             m_services.opener,
-            SystemStrings::shared(),
-            [this] { return m_services.searchContext(); },
         });
     }
     return *m_searchPanel;

@@ -1,29 +1,21 @@
 #include "app/appservices.h"
 
-#include "catalog/destination.h"
-#include "catalog/systemstrings.h"
-
 #include <QCoreApplication>
 
 AppServices::AppServices()
     : store(preferences)
     , updates(preferences, QUrl(QStringLiteral(QUILLON_UPDATE_FEED)), QCoreApplication::applicationVersion())
+    , sources(SourceContext::shared(store, shortcuts))
     , opener(launcher, [this](const QString &id) { shortcuts.run(id); })
 {
 }
 
-SearchContext AppServices::searchContext()
-{
-    return SearchContext::shared(shortcuts);
-}
-
 StatusMenu::Services AppServices::statusMenuServices()
 {
-    return StatusMenu::Services{
-        MenuBuilder::Context{store, shortcuts, SystemStrings::shared(), Catalog::current(), Destination::index()},
-        preferences,
-        updates,
-        opener,
-        [this] { return searchContext(); },
-    };
+    return StatusMenu::Services{sources, shortcuts, preferences, updates, opener};
+}
+
+SettingsWindow::Services AppServices::settingsServices(HotKeyCenters &hotKeys)
+{
+    return SettingsWindow::Services{preferences, store, updates, sources, hotKeys};
 }

@@ -1,11 +1,14 @@
 #pragma once
 
-#include "app/opener.h"
+#include "platform/opener.h"
 #include "app/statusmenu.h"
 #include "app/updates.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "platform/giolauncher.h"
+#include "settings/settingswindow.h"
+#include "platform/opener.h"
+#include "sources/contentsources.h"
 #include "sources/shortcutlibrary.h"
 
 // The long-lived objects of the program, made once, in dependency order,
@@ -21,9 +24,10 @@ public:
     MenuStore store;
     Updates updates;
     ShortcutLibrary shortcuts;
+    ContentSources sources;
     GioLauncher launcher;
     Opener opener;
 
     StatusMenu::Services statusMenuServices();
-    SearchContext searchContext();
+    SettingsWindow::Services settingsServices(HotKeyCenters &hotKeys);
 };

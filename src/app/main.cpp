@@ -91,7 +91,7 @@ int printMenuOrSearch(int argc, char **argv)
 
     QTextStream out(stdout);
     if (parser.isSet(options.search)) {
-        SearchSession session(services.store, services.searchContext());
+        SearchSession session(services.sources);
         for (const auto &group : session.search(parser.value(options.search).trimmed(), StatusMenu::maxResults)) {
             out << group.title << '\n';
             for (const auto &result : group.results)

@@ -1,8 +1,10 @@
 #include "app/statusmenu.h"
 
 #include "app/menuicon.h"
-#include "app/opener.h"
+#include "platform/opener.h"
 #include "app/searchfieldaction.h"
+#include "platform/itemicons.h"
+#include "platform/opener.h"
 #include "app/updates.h"
 #include "catalog/systemstrings.h"
 #include "common/mainthread.h"
@@ -76,9 +78,7 @@ StatusMenu::StatusMenu(Services services, std::function<void()> openSettings, QO
     : QObject(parent)
     , m_services(std::move(services))
     , m_openSettings(std::move(openSettings))
-    , m_builder(
-          m_services.content, [this](const QUrl &url) { open(url); },
-          [this] { m_services.content.store.setRecents({}); })
+    , m_builder(m_services.sources, [this](const QUrl &url) { open(url); })
 {
     QUILLON_ASSERT_MAIN_THREAD();
     auto *menu = new SearchableMenu;
@@ -110,7 +110,7 @@ bool StatusMenu::showsSearch() const
 SearchFieldAction *StatusMenu::searchItem()
 {
     if (!m_searchItem) {
-        m_searchItem = new SearchFieldAction(m_services.content.strings.text(SystemString::Search), this);
+        m_searchItem = new SearchFieldAction(m_services.sources.context().strings.text(SystemString::Search), this);
         connect(m_searchItem, &SearchFieldAction::textEdited, this, [this] { buildContent(); });
         connect(m_searchItem, &SearchFieldAction::returnPressed, this, &StatusMenu::openFirstItem);
     }
@@ -121,8 +121,8 @@ void StatusMenu::rebuild()
 {
     QUILLON_ASSERT_MAIN_THREAD();
     searchItem()->clear();
-    m_session.emplace(m_services.content.store, m_services.searchContext());
-    m_services.content.shortcuts.refresh();
+    m_session.emplace(m_services.sources);
+    m_services.shortcuts.refresh();
     removeItems(0);
     buildContent();
 }
@@ -171,15 +171,15 @@ void StatusMenu::removeItems(qsizetype keep)
 void StatusMenu::addLayout()
 {
     const qsizetype start = m_menu->actions().size();
-    for (const auto &entry : m_services.content.store.layout()) {
+    for (const auto &entry : m_services.sources.context().store.layout()) {
         if (entry.style == SourceStyle::Hidden)
             continue;
-        if (entry.style == SourceStyle::Submenu || entry.source.kind() == MenuSource::Case::Shortcut) {
+        if (entry.style == SourceStyle::Submenu || m_services.sources.of(entry.source).isSingleItem()) {
             QAction *item = m_builder.addSourceItem(m_menu.get(), entry.source);
-            if (!m_builder.isAvailable(entry.source)) {
+            if (item && !m_services.sources.isAvailable(entry.source)) {
                 item->setEnabled(false);
                 item->setIcon(menuSizeIcon(qApp->style()->standardIcon(QStyle::SP_MessageBoxWarning)));
-                item->setToolTip(m_services.content.strings.text(SystemString::NotAvailable));
+                item->setToolTip(m_services.sources.context().strings.text(SystemString::NotAvailable));
             }
         } else {
             m_builder.addItems(m_menu.get(), entry.source);
@@ -204,7 +204,7 @@ void StatusMenu::addSearchResults(const QString &query)
             m_menu->addSection(menuTitle(group.title));
         for (const auto &result : group.results)
             m_builder.addOpenableItem(m_menu.get(), result.title, result.url,
-                                      result.icon ? MenuBuilder::iconFor(*result.icon) : QIcon());
+                                      drawnIcon(result.icon));
     }
     markUnavailableFiles(start);
 }
@@ -240,7 +240,7 @@ void StatusMenu::markUnavailableFiles(qsizetype from)
 
 void StatusMenu::addCommands()
 {
-    SystemStrings &strings = m_services.content.strings;
+    SystemStrings &strings = m_services.sources.context().strings;
     QAction *about = m_menu->addAction(menuTitle(withName(strings.text(SystemString::About))));
     connect(about, &QAction::triggered, this, &StatusMenu::showAbout);
 
@@ -290,7 +290,7 @@ void StatusMenu::openFirstItem()
 
 void StatusMenu::open(const QUrl &url)
 {
-    m_services.content.store.recordRecent(url);
+    m_services.sources.context().store.recordRecent(url);
     m_services.opener.open(url);
 }
 
@@ -300,7 +300,7 @@ void StatusMenu::showAbout()
     const QString text = QStringLiteral("<h3>%1</h3><p>%2 %3</p><p><a href=\"%4\">%5</a></p>")
                              .arg(displayName, tr("Version"), QCoreApplication::applicationVersion(), site,
                                   QUrl(site).host());
-    QMessageBox::about(nullptr, withName(m_services.content.strings.text(SystemString::About)), text);
+    QMessageBox::about(nullptr, withName(m_services.sources.context().strings.text(SystemString::About)), text);
 }
 
 void StatusMenu::sendFeedback()

@@ -13,6 +13,7 @@
 class Opener;
 class Preferences;
 class SearchFieldAction;
+class ShortcutLibrary;
 class Updates;
 
 // The menu behind the tray icon, rebuilt from the configuration every time it
@@ -26,11 +27,11 @@ public:
     static constexpr int maxResults = 40;
 
     struct Services {
-        MenuBuilder::Context content;
+        const ContentSources &sources;
+        ShortcutLibrary &shortcuts;
         Preferences &preferences;
         Updates &updates;
         const Opener &opener;
-        std::function<SearchContext()> searchContext;
     };
 
     StatusMenu(Services services, std::function<void()> openSettings, QObject *parent = nullptr);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/updatechecker.h"
+#include "settings/updatesettings.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -14,7 +15,7 @@ class Preferences;
 // interrupt; a found update only raises hasPendingUpdate, which the menu
 // turns into its "Update Available" item. The user's own check (that item)
 // counts as attending to the update and clears the flag.
-class Updates : public QObject
+class Updates : public QObject, public UpdateSettings
 {
     Q_OBJECT
 
@@ -24,11 +25,11 @@ public:
     // An empty feed turns checking off.
     Updates(Preferences &preferences, const QUrl &feed, const QString &currentVersion, QObject *parent = nullptr);
 
-    bool isConfigured() const { return m_checker != nullptr; }
+    bool isConfigured() const override { return m_checker != nullptr; }
     bool hasPendingUpdate() const { return m_hasPendingUpdate; }
     const std::optional<AppcastItem> &pendingUpdate() const { return m_pendingUpdate; }
-    bool automaticallyChecksForUpdates() const;
-    void setAutomaticallyChecksForUpdates(bool enabled);
+    bool automaticallyChecksForUpdates() const override;
+    void setAutomaticallyChecksForUpdates(bool enabled) override;
     QDateTime lastCheckTime() const;
 
     // The user asked: check now and report through userCheckFinished.

@@ -45,14 +45,6 @@ Decoded<T> decodeRecord(const QJsonValue &json, const char *what, Fill fill)
 } // namespace
 
 template<>
-Decoded<double> decode(const QJsonValue &json)
-{
-    if (!json.isDouble())
-        return Decoded<double>::failure(QStringLiteral("expected a number"));
-    return json.toDouble();
-}
-
-template<>
 Decoded<QList<double>> decode(const QJsonValue &json)
 {
     return decodeList<double>(json);

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "catalog/catalog.h"
-#include "config/decoded.h"
-#include "config/layoutcodec.h"
+#include "common/jsonfields.h"
 
 #include <QByteArray>
 
@@ -10,8 +9,6 @@
 // bad value fails the whole document; keys not listed are ignored and a null
 // value counts as absent for optional fields.
 
-template<>
-Decoded<double> decode(const QJsonValue &json);
 template<>
 Decoded<QList<double>> decode(const QJsonValue &json);
 template<>

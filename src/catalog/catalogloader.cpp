@@ -161,7 +161,7 @@ Catalog loadOrExit()
 {
     auto catalog = loadCatalog(CatalogEnvironment::system());
     if (!catalog) {
-        qCCritical(lcApp, "%s", qUtf8Printable(catalog.error()));
+        qCCritical(lcCatalog, "%s", qUtf8Printable(catalog.error()));
         std::exit(EXIT_FAILURE);
     }
     return std::move(catalog).value();

@@ -2,7 +2,7 @@
 
 #include "catalog/catalog.h"
 #include "catalog/osversion.h"
-#include "config/decoded.h"
+#include "common/decoded.h"
 
 #include <QList>
 #include <QString>

@@ -74,7 +74,7 @@ std::optional<StringTable> StringTableCache::table(const QString &path)
         return *cached;
     auto loaded = loadStringTable(path, m_languages);
     if (!loaded) {
-        qCWarning(lcApp, "System string table %s could not be read: %s", qUtf8Printable(path),
+        qCWarning(lcCatalog, "System string table %s could not be read: %s", qUtf8Printable(path),
                   qUtf8Printable(loaded.error()));
     }
     const std::optional<StringTable> table = loaded ? loaded.value() : std::nullopt;

@@ -2,7 +2,7 @@
 
 #include "catalog/catalog.h"
 #include "catalog/stringtable.h"
-#include "config/enumstrings.h"
+#include "common/enumstrings.h"
 
 #include <QMap>
 #include <QString>

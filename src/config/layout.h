@@ -1,6 +1,6 @@
 #pragma once
 
-#include "config/enumstrings.h"
+#include "common/enumstrings.h"
 
 #include <QHash>
 #include <QList>

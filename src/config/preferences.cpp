@@ -28,7 +28,7 @@ void Preferences::setValue(const QString &key, const QVariant &value)
     m_settings->setValue(key, value);
     m_settings->sync();
     if (m_settings->status() != QSettings::NoError)
-        qCWarning(lcApp, "Preferences %s could not be written", qUtf8Printable(m_settings->fileName()));
+        qCWarning(lcConfig, "Preferences %s could not be written", qUtf8Printable(m_settings->fileName()));
 }
 
 void Preferences::remove(const QString &key)

@@ -82,3 +82,8 @@ MenuItemKind kindOf(const QUrl &url)
     }
     return MenuItemKind::Settings;
 }
+
+bool isSettingsURL(const QUrl &url)
+{
+    return url.scheme() == QLatin1String("settings");
+}

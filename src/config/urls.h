@@ -13,6 +13,8 @@ QUrl shortcutURL(const QString &id);
 // The identifier of a shortcut-run URL, or nothing for any other URL.
 std::optional<QString> shortcutID(const QUrl &url);
 bool isShortcutRunURL(const QUrl &url);
+// A System Settings place, opened by the desktop's settings program.
+bool isSettingsURL(const QUrl &url);
 
 // A file URL rebuilt from its path, a trailing slash meaning a directory;
 // any other URL as it is. Makes equal items compare equal.

@@ -186,7 +186,7 @@ void PortalHotKeys::sessionCreated(uint response, const QVariantMap &results)
     const QVariant handle = results.value(QStringLiteral("session_handle"));
     m_session = handle.canConvert<QDBusObjectPath>() ? handle.value<QDBusObjectPath>().path() : handle.toString();
     if (response != 0 || m_session.isEmpty()) {
-        qCWarning(lcApp, "The desktop portal did not open a shortcut session (response %u)", response);
+        qCWarning(lcHotKeys, "The desktop portal did not open a shortcut session (response %u)", response);
         m_binding = false;
         return;
     }
@@ -220,7 +220,7 @@ void PortalHotKeys::shortcutsBound(uint response, const QVariantMap &)
                      this, SLOT(shortcutsBound(uint, QVariantMap)));
     m_binding = false;
     if (response != 0)
-        qCWarning(lcApp, "The desktop portal did not bind Quillon's shortcuts (response %u)", response);
+        qCWarning(lcHotKeys, "The desktop portal did not bind Quillon's shortcuts (response %u)", response);
     if (m_dirty)
         bind();
 }

@@ -1,9 +1,6 @@
 #include "platform/settingscommand.h"
 
-bool isSettingsURL(const QUrl &url)
-{
-    return url.scheme() == QLatin1String("settings");
-}
+#include "config/urls.h"
 
 std::optional<SettingsCommand> settingsCommand(const QUrl &url)
 {

@@ -15,5 +15,4 @@ struct SettingsCommand {
     bool operator==(const SettingsCommand &) const = default;
 };
 
-bool isSettingsURL(const QUrl &url);
 std::optional<SettingsCommand> settingsCommand(const QUrl &url);

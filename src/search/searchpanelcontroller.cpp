@@ -1,9 +1,9 @@
 #include "search/searchpanelcontroller.h"
 
-#include "app/opener.h"
 #include "catalog/systemstrings.h"
 #include "common/mainthread.h"
 #include "config/menustore.h"
+#include "platform/opener.h"
 #include "search/searchpanel.h"
 #include "search/searchpanelmodel.h"
 #include "search/searchpanelview.h"
@@ -71,9 +71,9 @@ void SearchPanelController::show()
 
     auto *panel = new SearchPanel(SearchPanel::canBlend());
     // The model belongs to the panel, so both go together when it closes.
-    auto *model = new SearchPanelModel(m_services.store, m_services.searchContext(), panel);
-    auto *view = new SearchPanelView(model, m_services.strings.text(SystemString::Search),
-                                     m_services.strings.text(SystemString::NoItems));
+    auto *model = new SearchPanelModel(m_services.sources, panel);
+    auto *view = new SearchPanelView(model, m_services.sources.context().strings.text(SystemString::Search),
+                                     m_services.sources.context().strings.text(SystemString::NoItems));
     panel->setContent(view);
     m_panel = panel;
     m_model = model;
@@ -130,7 +130,7 @@ void SearchPanelController::open(const QUrl &url)
     QUILLON_ASSERT_MAIN_THREAD();
     // Out of the way first, so what opens can take the keyboard.
     close();
-    m_services.store.recordRecent(url);
+    m_services.sources.context().store.recordRecent(url);
     m_services.opener.open(url);
 }
 

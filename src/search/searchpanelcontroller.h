@@ -7,13 +7,11 @@
 
 #include <functional>
 
-class MenuStore;
 class Opener;
 class SearchPanel;
 class SearchPanelModel;
 class SearchPanelView;
 class ShortcutLibrary;
-class SystemStrings;
 
 // Shows the search panel on demand and tears it down again. Each showing
 // starts afresh: a new model, a new search session, empty caches. While
@@ -26,11 +24,9 @@ class SearchPanelController : public QObject
 
 public:
     struct Services {
-        MenuStore &store;
+        const ContentSources &sources;
         ShortcutLibrary &shortcuts;
         const Opener &opener;
-        SystemStrings &strings;
-        std::function<SearchContext()> searchContext;
     };
 
     explicit SearchPanelController(Services services, QObject *parent = nullptr);

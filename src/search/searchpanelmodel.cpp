@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-SearchPanelModel::SearchPanelModel(const MenuStore &store, SearchContext context, QObject *parent)
+SearchPanelModel::SearchPanelModel(const ContentSources &sources, QObject *parent)
     : QObject(parent)
-    , m_session(store, std::move(context))
+    , m_session(sources)
 {
 }
 

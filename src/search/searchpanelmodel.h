@@ -17,7 +17,7 @@ class SearchPanelModel : public QObject
 public:
     static constexpr int defaultLimit = 12;
 
-    SearchPanelModel(const MenuStore &store, SearchContext context, QObject *parent = nullptr);
+    SearchPanelModel(const ContentSources &sources, QObject *parent = nullptr);
 
     const QString &query() const { return m_query; }
     // Searches again at once, whatever changed.

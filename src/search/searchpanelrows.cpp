@@ -1,6 +1,6 @@
 #include "search/searchpanelrows.h"
 
-#include "app/menubuilder.h"
+#include "platform/itemicons.h"
 #include "search/searchpanelmodel.h"
 
 #include <QPainter>
@@ -86,7 +86,7 @@ QIcon SearchPanelRows::iconFor(const SearchResult &result)
         return *cached;
     // Shortcuts come without an icon; a generic one keeps the titles aligned
     // and says "this runs something".
-    QIcon icon = result.icon ? MenuBuilder::iconFor(*result.icon)
+    QIcon icon = result.icon ? drawnIcon(*result.icon)
                              : QIcon::fromTheme(QStringLiteral("system-run"),
                                                 QIcon::fromTheme(QStringLiteral("application-x-executable")));
     m_icons.insert(result.url, icon);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "search/searchresult.h"
+#include "sources/searchresult.h"
 
 #include <QAbstractListModel>
 #include <QHash>

@@ -1,10 +1,10 @@
 #include "settings/generalpane.h"
 
-#include "app/loginitem.h"
-#include "app/updates.h"
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
+#include "platform/loginitem.h"
+#include "settings/updatesettings.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
@@ -16,7 +16,7 @@ namespace {
 const QString showSearchKey = QStringLiteral("ShowSearch");
 } // namespace
 
-GeneralPane::GeneralPane(Preferences &preferences, MenuStore &store, Updates &updates, QWidget *parent)
+GeneralPane::GeneralPane(Preferences &preferences, MenuStore &store, UpdateSettings &updates, QWidget *parent)
     : QWidget(parent)
     , m_form(new QFormLayout(this))
 {
@@ -49,7 +49,7 @@ GeneralPane::GeneralPane(Preferences &preferences, MenuStore &store, Updates &up
     auto *automatic = new QCheckBox(strings.text(SystemString::AutomaticUpdates), this);
     automatic->setChecked(updates.isConfigured() && updates.automaticallyChecksForUpdates());
     automatic->setEnabled(updates.isConfigured());
-    connect(automatic, &QCheckBox::toggled, &updates, &Updates::setAutomaticallyChecksForUpdates);
+    connect(automatic, &QCheckBox::toggled, this, [&updates](bool on) { updates.setAutomaticallyChecksForUpdates(on); });
     m_form->addRow(automatic);
 
     auto *recents = new QSpinBox(this);

@@ -5,7 +5,7 @@
 class MenuStore;
 class Preferences;
 class QFormLayout;
-class Updates;
+class UpdateSettings;
 
 // General options: start at login, the menu's search field, automatic
 // update checks and how many recent items the menu shows.
@@ -14,7 +14,7 @@ class GeneralPane : public QWidget
     Q_OBJECT
 
 public:
-    GeneralPane(Preferences &preferences, MenuStore &store, Updates &updates, QWidget *parent = nullptr);
+    GeneralPane(Preferences &preferences, MenuStore &store, UpdateSettings &updates, QWidget *parent = nullptr);
 
     // More rows (the keyboard shortcuts) go here.
     QFormLayout *form() const { return m_form; }

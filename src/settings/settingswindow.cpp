@@ -1,23 +1,23 @@
 #include "settings/settingswindow.h"
 
-#include "app/appservices.h"
 #include "catalog/systemstrings.h"
 #include "settings/generalpane.h"
 #include "hotkeys/hotkeycenter.h"
 #include "hotkeys/hotkeyrecorder.h"
-#include "sources/sourcetitles.h"
+#include "sources/contentsources.h"
 
 #include <QFormLayout>
 #include <QIcon>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-SettingsWindow::SettingsWindow(AppServices &services, HotKeyCenters &hotKeys, QWidget *parent)
+SettingsWindow::SettingsWindow(Services services, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , m_tabs(new QTabWidget(this))
     , m_general(new GeneralPane(services.preferences, services.store, services.updates, m_tabs))
 {
-    SystemStrings &strings = SystemStrings::shared();
+    SystemStrings &strings = services.sources.context().strings;
+    HotKeyCenters &hotKeys = services.hotKeys;
     QString title = strings.text(SystemString::Settings);
     if (title.endsWith(QStringLiteral("…")))
         title.chop(1);
@@ -30,7 +30,7 @@ SettingsWindow::SettingsWindow(AppServices &services, HotKeyCenters &hotKeys, QW
     m_general->form()->addRow(tr("Search panel:"), m_searchHotKey);
     m_general->form()->addRow(tr("Menu at the mouse:"), m_menuHotKey);
     m_tabs->addTab(m_general, strings.text(SystemString::General));
-    for (const QString &title : {strings.text(SystemString::Menus), strings.text(SystemString::Content), applicationsTitle()})
+    for (const QString &title : {strings.text(SystemString::Menus), strings.text(SystemString::Content), services.sources.title(MenuSource::applications())})
         m_tabs->addTab(new QWidget(m_tabs), title);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);

@@ -17,7 +17,7 @@ DirReader::DirReader(const QByteArray &path, MissingIs missing)
     const int error = errno;
     if (missing == MissingIs::Silent && (error == ENOENT || error == ENOTDIR))
         return;
-    qCWarning(lcApp, "%s could not be read: %s", qUtf8Printable(QFile::decodeName(path)),
+    qCWarning(lcSources, "%s could not be read: %s", qUtf8Printable(QFile::decodeName(path)),
               qUtf8Printable(qt_error_string(error)));
 }
 

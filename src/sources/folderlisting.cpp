@@ -76,7 +76,7 @@ struct Listing {
 std::optional<Listing> readFolder(const QUrl &url, FolderSort sort)
 {
     if (!url.isLocalFile()) {
-        qCWarning(lcApp, "%s could not be read: %s", qUtf8Printable(url.toString()), "not a local folder");
+        qCWarning(lcSources, "%s could not be read: %s", qUtf8Printable(url.toString()), "not a local folder");
         return std::nullopt;
     }
     Listing listing;

@@ -18,7 +18,7 @@ const auto toolName = QStringLiteral("quillon-shortcuts");
 
 void logListingFailure(const ToolFailure &failure)
 {
-    qCWarning(lcApp, "Shortcuts could not be listed: %s", qUtf8Printable(description(failure)));
+    qCWarning(lcSources, "Shortcuts could not be listed: %s", qUtf8Printable(description(failure)));
 }
 
 } // namespace
@@ -172,7 +172,7 @@ void ShortcutLibrary::run(const QString &id)
         const auto &listing = std::get<QList<ShortcutRef>>(outcome);
         if (std::any_of(listing.cbegin(), listing.cend(), [&id](const ShortcutRef &ref) { return ref.id == id; }))
             return launch(id);
-        qCWarning(lcApp, "Shortcut %s is no longer in the library", qUtf8Printable(id));
+        qCWarning(lcSources, "Shortcut %s is no longer in the library", qUtf8Printable(id));
         refresh();
     });
 }
@@ -229,13 +229,13 @@ void ShortcutLibrary::launch(const QString &id)
     process->setStandardErrorFile(QProcess::nullDevice());
     connect(process, &QProcess::finished, process, [process, id](int status) {
         if (status != 0)
-            qCWarning(lcApp, "Shortcut %s ended with status %d", qUtf8Printable(id), status);
+            qCWarning(lcSources, "Shortcut %s ended with status %d", qUtf8Printable(id), status);
         process->deleteLater();
     });
     connect(process, &QProcess::errorOccurred, process, [process, id](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart)
             return;
-        qCWarning(lcApp, "Shortcut %s could not run: %s", qUtf8Printable(id), qUtf8Printable(process->errorString()));
+        qCWarning(lcSources, "Shortcut %s could not run: %s", qUtf8Printable(id), qUtf8Printable(process->errorString()));
         process->deleteLater();
     });
     process->start();

@@ -5,15 +5,14 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
-QString applicationsTitle()
+QString applicationsTitle(SystemStrings &strings)
 {
     // GNOME Settings carries the desktop's word for applications; elsewhere
     // our own translation of it stands in.
-    static const QString title = SystemStrings::shared().resolve(
+    return strings.resolve(
         QStringLiteral("Applications"),
         StringRef{QStringLiteral("/usr/share/locale/%l/LC_MESSAGES/gnome-control-center-2.0.mo"),
                   QStringLiteral("Applications")});
-    return title;
 }
 
 QString shortcutsTitle()

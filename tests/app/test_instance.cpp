@@ -1,4 +1,4 @@
-#include "app/loginitem.h"
+#include "platform/loginitem.h"
 #include "app/singleinstance.h"
 
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-#include "app/opener.h"
+#include "platform/opener.h"
 #include "config/urls.h"
 #include "platform/giolauncher.h"
 #include "platform/settingscommand.h"

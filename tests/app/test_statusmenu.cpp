@@ -1,7 +1,7 @@
 #include "app/lazymenu.h"
 #include "app/menuicon.h"
 #include "app/menuprinter.h"
-#include "app/opener.h"
+#include "platform/opener.h"
 #include "app/statusmenu.h"
 #include "app/updates.h"
 #include "catalog/destination.h"
@@ -41,6 +41,12 @@ private:
     std::unique_ptr<Opener> m_opener;
     std::unique_ptr<StatusMenu> m_menu;
 
+    // The real application scan, over the test's own data folders.
+    const ContentSources &sources()
+    {
+        return m_settings.sources(*m_store, *m_shortcuts, [] { return AppLibrary::scan(); });
+    }
+
     QStringList shown(int depth = 1) { return lines(menuText(m_menu->menu(), depth)); }
 
 private Q_SLOTS:
@@ -64,13 +70,7 @@ private Q_SLOTS:
         m_store = std::make_unique<MenuStore>(*m_preferences);
         m_updates = std::make_unique<Updates>(*m_preferences, QUrl(), QStringLiteral("1.0"));
         m_launcher.calls.clear();
-        StatusMenu::Services services{
-            MenuBuilder::Context{*m_store, *m_shortcuts, *m_settings.strings, m_settings.catalog, m_settings.index},
-            *m_preferences,
-            *m_updates,
-            *m_opener,
-            [this] { return m_settings.searchContext(m_shortcuts.get()); },
-        };
+        StatusMenu::Services services{sources(), *m_shortcuts, *m_preferences, *m_updates, *m_opener};
         m_menu = std::make_unique<StatusMenu>(services, [] {});
     }
 
@@ -172,9 +172,7 @@ private Q_SLOTS:
                    "<enclosure url=\"https://quillon.app/q.tar.gz\" sparkle:version=\"2.0\"/></item></channel></rss>");
         file.close();
         Updates updates(*m_preferences, QUrl::fromLocalFile(feed), QStringLiteral("1.0"));
-        StatusMenu::Services services{
-            MenuBuilder::Context{*m_store, *m_shortcuts, *m_settings.strings, m_settings.catalog, m_settings.index}, *m_preferences, updates,
-            *m_opener, [this] { return m_settings.searchContext(m_shortcuts.get()); }};
+        StatusMenu::Services services{sources(), *m_shortcuts, *m_preferences, updates, *m_opener};
         StatusMenu menu(services, [] {});
 
         updates.runScheduledCheckIfDue();

@@ -100,7 +100,7 @@ private Q_SLOTS:
         {
             Running quillon(preferencesFile());
             AppServices services;
-            SettingsWindow window(services, quillon.centers);
+            SettingsWindow window(services.settingsServices(quillon.centers));
             window.present();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
 
@@ -146,7 +146,7 @@ private Q_SLOTS:
         QVERIFY(otherClientGrabs(XK_j));
         Running quillon(preferencesFile());
         AppServices services;
-            SettingsWindow window(services, quillon.centers);
+            SettingsWindow window(services.settingsServices(quillon.centers));
         window.present();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         HotKeyRecorder *recorder = window.menuHotKey();

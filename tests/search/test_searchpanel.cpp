@@ -1,4 +1,4 @@
-#include "app/opener.h"
+#include "platform/opener.h"
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
@@ -42,11 +42,11 @@ private:
     QList<App> m_apps;
     int m_scans = 0;
 
-    SearchContext context()
+    const ContentSources &sources()
     {
-        return m_settings.searchContext(m_shortcuts.get(), [this] {
+        return m_settings.sources(*m_store, *m_shortcuts, [this] {
             ++m_scans;
-            return m_apps;
+            return QList<AppEntry>(m_apps.begin(), m_apps.end());
         });
     }
 
@@ -91,13 +91,12 @@ private Q_SLOTS:
                 .arg(m_store->recents().value(0).fileName());
         };
         m_scans = 0;
-        m_controller = std::make_unique<SearchPanelController>(SearchPanelController::Services{
-            *m_store, *m_shortcuts, *m_opener, *m_settings.strings, [this] { return context(); }});
+        m_controller = std::make_unique<SearchPanelController>(SearchPanelController::Services{sources(), *m_shortcuts, *m_opener});
     }
 
     void selectionFollowsItsURLAcrossSearches()
     {
-        SearchPanelModel model(*m_store, context());
+        SearchPanelModel model(sources());
         QCOMPARE(model.limit(), 12);
         model.setQuery(QStringLiteral("n"));
         QCOMPARE(model.groups().size(), 2);
@@ -125,7 +124,7 @@ private Q_SLOTS:
 
     void movingStopsAtBothEndsAndCrossesGroups()
     {
-        SearchPanelModel model(*m_store, context());
+        SearchPanelModel model(sources());
         model.setQuery(QStringLiteral("n"));
         // Notes, Numbers, Nuke | Notifications, Network
         model.moveSelection(-1);

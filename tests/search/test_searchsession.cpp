@@ -4,8 +4,9 @@
 #include "config/preferences.h"
 #include "config/urls.h"
 #include "search/searchsession.h"
-#include "search/textmatch.h"
+#include "sources/textmatch.h"
 #include "fixtures.h"
+#include "sources/shortcutlibrary.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -47,17 +48,19 @@ private:
     int m_scans = 0;
     int m_listings = 0;
 
-    SearchContext context()
+    ShortcutLibrary m_noShortcuts{QStringLiteral("/nonexistent/quillon-shortcuts")};
+
+    const ContentSources &sources(MenuStore &store)
     {
-        return m_settings.searchContext(
-            nullptr,
+        return m_settings.sources(
+            store, m_noShortcuts,
             [this] {
                 ++m_scans;
-                return m_apps;
+                return QList<AppEntry>(m_apps.begin(), m_apps.end());
             },
-            [this](const FolderSource &folder) {
+            [this](const QUrl &url, FolderSort sort) {
                 ++m_listings;
-                return FolderListing::list(folder.url, folder.sort);
+                return FolderListing::list(url, sort);
             });
     }
 
@@ -107,28 +110,28 @@ private Q_SLOTS:
         const auto layout = store.layout();
         for (const auto &entry : layout)
             store.setStyle(SourceStyle::Hidden, entry.source);
-        SearchSession hidden(store, context());
+        SearchSession hidden(sources(store));
         QVERIFY(hidden.search(QStringLiteral("a"), 10).isEmpty());
 
         // A custom menu holding one application opens the whole Applications group.
         const auto menu = store.addMenu(QStringLiteral("Mine"));
         store.setIncluded(true, m_apps.first().url, menu.id);
-        SearchSession throughMenu(store, context());
+        SearchSession throughMenu(sources(store));
         const auto groups = throughMenu.search(QStringLiteral("sa"), 10);
         QCOMPARE(groups.size(), 1);
         QCOMPARE(groups.first().title, QStringLiteral("Applications"));
         // A settings place in a visible menu opens System Settings.
         store.setIncluded(true, QUrl(QStringLiteral("settings://gnome/camera")), menu.id);
-        QCOMPARE(SearchSession(store, context()).search(QStringLiteral("cam"), 10).size(), 1);
+        QCOMPARE(SearchSession(sources(store)).search(QStringLiteral("cam"), 10).size(), 1);
         // Hiding the menu closes both again.
         store.setStyle(SourceStyle::Hidden, MenuSource::customMenu(menu.id));
-        QVERIFY(SearchSession(store, context()).search(QStringLiteral("a"), 10).isEmpty());
+        QVERIFY(SearchSession(sources(store)).search(QStringLiteral("a"), 10).isEmpty());
     }
 
     void applicationsRankPrefixesFirst()
     {
         MenuStore &store = freshStore();
-        SearchSession session(store, context());
+        SearchSession session(sources(store));
         m_scans = 0;
         // Names that begin with the query first, each part in library order.
         const auto groups = session.search(QStringLiteral("s"), 10);
@@ -142,7 +145,7 @@ private Q_SLOTS:
     void settingsPlacesInCatalogOrder()
     {
         MenuStore &store = freshStore();
-        SearchSession session(store, context());
+        SearchSession session(sources(store));
         auto groups = session.search(QStringLiteral("a"), 40);
         const auto settings = std::find_if(groups.begin(), groups.end(),
                                            [](const SearchGroup &g) { return g.title == QLatin1String("System Settings"); });
@@ -164,7 +167,7 @@ private Q_SLOTS:
         }
         MenuStore &store = freshStore();
         store.addFolder(QUrl::fromLocalFile(folder.path() + QLatin1Char('/')));
-        SearchSession session(store, context());
+        SearchSession session(sources(store));
         m_listings = 0;
         auto groups = session.search(QStringLiteral("report"), 10);
         QCOMPARE(groups.last().title, QFileInfo(folder.path()).fileName());
@@ -178,7 +181,7 @@ private Q_SLOTS:
     void storedAddressesAreDescribed()
     {
         MenuStore &store = freshStore();
-        SearchSession session(store, context());
+        SearchSession session(sources(store));
         QCOMPARE(session.entry(QUrl(QStringLiteral("settings://gnome/wifi/create-wifi")))->title,
                  QStringLiteral("Wi-Fi › Create Hotspot…"));
         QCOMPARE(session.entry(QUrl(QStringLiteral("settings://gnome/camera")))->title, QStringLiteral("Camera"));
@@ -193,7 +196,7 @@ private Q_SLOTS:
         file.close();
         const auto entry = session.entry(QUrl::fromLocalFile(desktop));
         QCOMPARE(entry->title, QStringLiteral("Text Editor"));
-        QCOMPARE(entry->icon, ResultIcon(FileIcon{desktop}));
+        QCOMPARE(entry->icon, ItemIcon(FileIcon{desktop}));
     }
 };
 

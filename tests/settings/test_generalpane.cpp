@@ -1,4 +1,4 @@
-#include "app/loginitem.h"
+#include "platform/loginitem.h"
 #include "app/updates.h"
 #include "config/menustore.h"
 #include "config/preferences.h"

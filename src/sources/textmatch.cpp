@@ -1,4 +1,4 @@
-#include "search/textmatch.h"
+#include "sources/textmatch.h"
 
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>

@@ -1,4 +1,4 @@
-#include "catalog/paneicon.h"
+#include "platform/paneicon.h"
 
 #include "common/mainthread.h"
 #include "platform/fileicons.h"

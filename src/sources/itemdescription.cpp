@@ -1,4 +1,4 @@
-#include "search/itemdescription.h"
+#include "sources/itemdescription.h"
 
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"

@@ -1,4 +1,4 @@
-#include "app/opener.h"
+#include "platform/opener.h"
 
 #include "common/log.h"
 #include "common/mainthread.h"

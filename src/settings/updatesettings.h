@@ -1,0 +1,13 @@
+#pragma once
+
+// What the settings window needs of update checking, which lives above it.
+class UpdateSettings
+{
+public:
+    virtual ~UpdateSettings() = default;
+
+    // False in builds without an update feed.
+    virtual bool isConfigured() const = 0;
+    virtual bool automaticallyChecksForUpdates() const = 0;
+    virtual void setAutomaticallyChecksForUpdates(bool enabled) = 0;
+};

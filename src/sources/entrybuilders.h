@@ -1,0 +1,22 @@
+#pragma once
+
+#include "catalog/custommenunode.h"
+#include "sources/applibrary.h"
+#include "sources/menuentry.h"
+
+struct SourceContext;
+
+// Menu entries for the shapes of content that several sources share.
+
+// A folder's contents; sub-folders are submenus listed when first shown.
+MenuEntries folderEntries(const SourceContext &context, const QUrl &folder, FolderSort sort);
+// An application tree; its folders are submenus.
+MenuEntries appEntries(const QList<AppEntry> &entries);
+MenuEntries shortcutEntries(const QList<ShortcutRef> &shortcuts);
+// Settings panes as the catalog nests them: a picked pane with more inside
+// is a submenu that opens with the pane itself; a pane that is only there
+// for what was picked inside it is a heading.
+MenuEntries settingsEntries(const SourceContext &context, const QList<CustomMenuNode> &nodes,
+                            const QList<Item> &parentItems);
+// A folder's icon, as the menu shows folders.
+ItemIcon folderIcon();
