@@ -1,47 +1,16 @@
 #pragma once
 
-// Small stand-ins shared by the tests of the menu, the search and opening.
+// A hand-made settings catalog shared by the tests of the content, the
+// menu and the search.
 
 #include "catalog/catalog.h"
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"
-#include "platform/launcher.h"
 #include "sources/contentsources.h"
 
 #include <functional>
 #include <memory>
 #include <vector>
-
-// Records what would have been started ("launch <file>", "default <url>",
-// "start <program>|<arguments>"), with what `witness` says at that moment,
-// and fails when told to.
-class FakeLauncher final : public Launcher
-{
-public:
-    QStringList calls;
-    std::optional<QString> failure;
-    std::function<QString()> witness;
-
-    void launchApplication(const QString &desktopFile, const Done &done) override
-    {
-        record(QStringLiteral("launch ") + desktopFile, done);
-    }
-    void openWithDefaultHandler(const QUrl &url, const Done &done) override
-    {
-        record(QStringLiteral("default ") + url.toString(), done);
-    }
-    void startProgram(const QString &program, const QStringList &arguments, const Done &done) override
-    {
-        record(QStringLiteral("start ") + (QStringList{program} + arguments).join(QLatin1Char('|')), done);
-    }
-
-private:
-    void record(const QString &call, const Done &done)
-    {
-        calls.append(witness ? call + QLatin1Char(' ') + witness() : call);
-        done(failure);
-    }
-};
 
 // A GNOME settings pane opened by settings://gnome/<id>.
 inline Pane testPane(const QString &id, const QString &name, const QList<Item> &items = {},

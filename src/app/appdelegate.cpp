@@ -5,6 +5,7 @@
 #include "catalog/systemstrings.h"
 #include "common/mainthread.h"
 #include "hotkeys/hotkeycenter.h"
+#include "platform/tray.h"
 #include "platform/trayhostwatch.h"
 #include "search/searchpanelcontroller.h"
 #include "settings/settingswindow.h"
@@ -56,7 +57,8 @@ void AppDelegate::start()
 
 void AppDelegate::finishLaunching()
 {
-    m_statusMenu = std::make_unique<StatusMenuController>(m_services.statusMenuServices(), [this] { showSettings(); });
+    m_statusMenu = std::make_unique<StatusMenuController>(m_services.statusMenuServices(), Tray::forSession(),
+                                                          [this] { showSettings(); });
     // One floating thing at a time: the menu opening sends the panel away.
     connect(&m_statusMenu->statusMenu(), &StatusMenu::aboutToOpen, this, [this] {
         if (m_searchPanel)
@@ -88,8 +90,8 @@ void AppDelegate::openMenuWhenPlaced(int attempt)
 {
     if (!m_statusMenu)
         return;
-    const QRect icon = m_statusMenu->iconGeometry();
-    const bool placed = icon.height() > 0 && icon.left() > 0;
+    const auto icon = m_statusMenu->iconGeometry();
+    const bool placed = icon && icon->left() > 0;
     if (placed || attempt >= placementAttempts) {
         m_statusMenu->openMenu();
         return;

@@ -6,24 +6,23 @@
 
 #include <memory>
 
-class QSystemTrayIcon;
+class Tray;
 
-// The icon in the panel and the menu behind it. Every click (left, right,
-// middle) pops Quillon's own menu at the icon: a menu handed to the panel
-// could host neither the search field nor lazily filled submenus.
+// The icon in the panel and the menu behind it: every click on the icon pops
+// Quillon's own menu at the icon, or closes it when it is open.
 class StatusMenuController : public QObject
 {
     Q_OBJECT
 
 public:
-    StatusMenuController(StatusMenu::Services services, std::function<void()> openSettings,
-                         QObject *parent = nullptr);
+    StatusMenuController(StatusMenu::Services services, std::unique_ptr<Tray> tray,
+                         std::function<void()> openSettings, QObject *parent = nullptr);
     ~StatusMenuController() override;
 
     StatusMenu &statusMenu() { return *m_statusMenu; }
     bool isOpen() const { return m_statusMenu->isOpen(); }
     // Where the icon is, once the panel has placed it.
-    QRect iconGeometry() const;
+    std::optional<QRect> iconGeometry() const;
 
     // At the icon, or at the mouse when the panel does not say where the
     // icon is.
@@ -32,5 +31,5 @@ public:
 
 private:
     std::unique_ptr<StatusMenu> m_statusMenu;
-    std::unique_ptr<QSystemTrayIcon> m_trayIcon;
+    std::unique_ptr<Tray> m_tray;
 };

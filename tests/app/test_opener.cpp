@@ -2,6 +2,7 @@
 #include "config/urls.h"
 #include "platform/giolauncher.h"
 #include "platform/settingscommand.h"
+#include "fakelauncher.h"
 #include "fixtures.h"
 
 #include <QSignalSpy>

@@ -3,11 +3,14 @@
 #include "app/menuprinter.h"
 #include "platform/opener.h"
 #include "app/statusmenu.h"
+#include "app/statusmenucontroller.h"
 #include "app/updates.h"
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
+#include "faketray.h"
+#include "fakelauncher.h"
 #include "fixtures.h"
 #include "sources/shortcutlibrary.h"
 
@@ -187,6 +190,40 @@ private Q_SLOTS:
         QVERIFY(!updates.hasPendingUpdate());
         menu.rebuild();
         QCOMPARE(menu.menu()->actions().at(menu.menu()->actions().size() - 5)->text(), QStringLiteral("Check for Updates…"));
+    }
+
+    void theTrayIconOpensAndClosesTheMenu()
+    {
+        auto owned = std::make_unique<FakeTray>();
+        FakeTray &tray = *owned;
+        tray.geometry = QRect(1200, 0, 24, 24);
+        StatusMenuController controller({sources(), *m_shortcuts, *m_preferences, *m_updates, *m_opener},
+                                        std::move(owned), [] {});
+        QCOMPARE(tray.toolTip, QStringLiteral("Quillon"));
+        QVERIFY(!tray.icon.isNull());
+        QCOMPARE(controller.iconGeometry(), tray.geometry);
+
+        // A click the panel placed: the menu opens, built afresh.
+        tray.click(QPoint(1210, 12));
+        QVERIFY(controller.isOpen());
+        QCOMPARE(tray.fallbacks, QList<QPoint>{QPoint(1210, 12)});
+        QCOMPARE(controller.statusMenu().menu()->actions().last()->text(), QStringLiteral("Quit Quillon"));
+        // The next click closes it; the one after opens it again.
+        tray.click();
+        QVERIFY(!controller.isOpen());
+        tray.click();
+        QVERIFY(controller.isOpen());
+        controller.statusMenu().menu()->close();
+    }
+
+    void theTrayIsChosenByEnvironment()
+    {
+        qputenv("QUILLON_TRAY", "qt");
+        QVERIFY(Tray::forSession() != nullptr);
+        qputenv("QUILLON_TRAY", "no-such-tray");
+        QTest::ignoreMessage(QtWarningMsg, "QUILLON_TRAY names no tray: \"no-such-tray\"");
+        QVERIFY(Tray::forSession() != nullptr);
+        qunsetenv("QUILLON_TRAY");
     }
 
     void menuIconsAreSixteenPoints()

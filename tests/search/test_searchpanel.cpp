@@ -3,6 +3,7 @@
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
+#include "fakelauncher.h"
 #include "fixtures.h"
 #include "search/searchpanel.h"
 #include "search/searchpanelcontroller.h"

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/tray.h"
+
+class QSystemTrayIcon;
+
+// Qt's own tray icon: the StatusNotifierItem when the panel has a host for
+// it, the XEmbed tray otherwise. Every click (left, right, middle) reports
+// an activation; no menu is handed to the panel, which could host neither
+// the search field nor lazily filled submenus.
+class QtTray final : public Tray
+{
+    Q_OBJECT
+
+public:
+    explicit QtTray(QObject *parent = nullptr);
+    ~QtTray() override;
+
+    void show(const QIcon &icon, const QString &toolTip) override;
+    std::optional<QRect> iconGeometry() const override;
+    void popUp(QMenu *menu, const QPoint &fallback) override;
+
+private:
+    std::unique_ptr<QSystemTrayIcon> m_icon;
+};

@@ -1,0 +1,164 @@
+#include "config/menustore.h"
+#include "config/preferences.h"
+#include "fixtures.h"
+#include "sources/shortcutlibrary.h"
+#include "sources/textmatch.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QStringList describe(const MenuEntries &entries)
+{
+    QStringList lines;
+    for (const auto &entry : entries) {
+        if (const auto *item = std::get_if<OpenableEntry>(&entry))
+            lines.append(item->title + (item->enabled ? QString() : QStringLiteral(" (disabled)")));
+        else if (const auto *submenu = std::get_if<SubmenuEntry>(&entry))
+            lines.append(submenu->title + QStringLiteral(" ▸"));
+        else if (const auto *section = std::get_if<SectionEntry>(&entry))
+            lines.append(QLatin1Char('[') + section->title + QLatin1Char(']'));
+        else if (std::holds_alternative<SeparatorEntry>(entry))
+            lines.append(QStringLiteral("---"));
+        else
+            lines.append(QStringLiteral("! ") + std::get<CommandEntry>(entry).title);
+    }
+    return lines;
+}
+
+} // namespace
+
+// What each kind of content tells the menu, the search and the settings
+// window, over a hand-made catalog, a real store and real folders.
+class TestContentSources : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    TestCatalog m_settings;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<MenuStore> m_store;
+    std::unique_ptr<ShortcutLibrary> m_shortcuts;
+    int m_listings = 0;
+
+    const ContentSources &sources()
+    {
+        return m_settings.sources(*m_store, *m_shortcuts, {}, [this](const QUrl &url, FolderSort sort) {
+            ++m_listings;
+            return FolderListing::list(url, sort);
+        });
+    }
+
+    QString path(const QString &relative) const { return m_dir.filePath(relative); }
+
+private Q_SLOTS:
+    void init()
+    {
+        static int n = 0;
+        m_store.reset();
+        m_preferences = std::make_unique<Preferences>(path(QStringLiteral("p%1.conf").arg(++n)));
+        m_store = std::make_unique<MenuStore>(*m_preferences);
+        m_shortcuts = std::make_unique<ShortcutLibrary>(path(QStringLiteral("no-tool")));
+        m_settings.set({{QStringLiteral("wifi")}, {QStringLiteral("display")}},
+                       {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
+                        testPane(QStringLiteral("display"), QStringLiteral("Displays"))});
+        m_listings = 0;
+    }
+
+    // What the settings window's Content tab shows for each kind.
+    void titlesIconsAndAvailability()
+    {
+        QDir().mkpath(path(QStringLiteral("Reports")));
+        m_store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Reports/"))));
+        m_store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Gone/"))));
+        const CustomMenu work = m_store->addMenu(QStringLiteral("Work"));
+        m_store->setColor(work.id, FolderColor::Green);
+        const auto folders = m_store->folders();
+        const ContentSources &all = sources();
+
+        QCOMPARE(all.title(MenuSource::applications()), QStringLiteral("Applications"));
+        QCOMPARE(all.title(MenuSource::systemSettings()), QStringLiteral("System Settings"));
+        QCOMPARE(all.icon(MenuSource::systemSettings()), std::optional<ItemIcon>(SettingsAppIcon{}));
+        QCOMPARE(all.title(MenuSource::folder(folders.at(0).id)), QStringLiteral("Reports"));
+        QVERIFY(all.isAvailable(MenuSource::folder(folders.at(0).id)));
+        QVERIFY(!all.isAvailable(MenuSource::folder(folders.at(1).id)));
+        QCOMPARE(all.icon(MenuSource::customMenu(work.id)),
+                 std::optional<ItemIcon>(MenuSymbolIcon{std::nullopt, FolderColor::Green}));
+        m_store->removeMenu(work.id);
+        QVERIFY(!all.isAvailable(MenuSource::customMenu(work.id)));
+        QCOMPARE(all.title(MenuSource::customMenu(work.id)), QString());
+        // Until the shortcuts tool has answered, a shortcut is given the benefit of the doubt.
+        QVERIFY(all.isAvailable(MenuSource::shortcut({QStringLiteral("A1B2C3D4-0000-4000-8000-000000000001"),
+                                                      QStringLiteral("Backup")})));
+        QVERIFY(all.of(MenuSource::Case::Shortcut).isSingleItem());
+        QVERIFY(!all.of(MenuSource::Case::Folder).isSingleItem());
+        // The search lists whole kinds in this order.
+        QList<MenuSource::Case> order;
+        for (const ContentSource *source : all.all())
+            order.append(source->kind());
+        QCOMPARE(order.mid(0, 3), (QList<MenuSource::Case>{MenuSource::Case::Applications, MenuSource::Case::SystemSettings,
+                                                          MenuSource::Case::Shortcuts}));
+    }
+
+    void customMenusGroupAndReachTheirKinds()
+    {
+        QFile(path(QStringLiteral("notes.txt"))).open(QIODevice::WriteOnly);
+        const CustomMenu menu = m_store->addMenu(QStringLiteral("Mixed"));
+        m_store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/display")), menu.id);
+        m_store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("notes.txt"))), menu.id);
+        m_store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("deleted.txt"))), menu.id);
+        const MenuSource source = MenuSource::customMenu(menu.id);
+        const ContentSources &all = sources();
+
+        QCOMPARE(all.of(source).reachableKinds(source), (QSet<MenuItemKind>{MenuItemKind::Files, MenuItemKind::Settings}));
+        // Each group is set apart, the first too: a menu spread inline keeps
+        // it apart from what stands before it, and a submenu drops it.
+        QCOMPARE(describe(all.items(source)), (QStringList{"---", "notes.txt", "deleted.txt (disabled)", "---", "Displays"}));
+    }
+
+    void recentsSkipWhatIsGoneAndCanBeCleared()
+    {
+        QFile(path(QStringLiteral("kept.txt"))).open(QIODevice::WriteOnly);
+        m_store->setRecents({QUrl(QStringLiteral("settings://gnome/wifi")),
+                             QUrl(QStringLiteral("shortcuts://run-shortcut?id=DEADBEEF-0000-4000-8000-000000000000")),
+                             QUrl::fromLocalFile(path(QStringLiteral("kept.txt"))),
+                             QUrl::fromLocalFile(path(QStringLiteral("gone.txt"))),
+                             QUrl(QStringLiteral("https://example.org/page"))});
+        const ContentSources &all = sources();
+        const MenuEntries entries = all.items(MenuSource::recents());
+        QCOMPARE(describe(entries), (QStringList{"Wi-Fi", "kept.txt", "gone.txt (disabled)", "https://example.org/page",
+                                                 "---", "! Clear Menu"}));
+        std::get<CommandEntry>(entries.last()).run();
+        QVERIFY(m_store->recents().isEmpty());
+        QVERIFY(all.items(MenuSource::recents()).isEmpty());
+    }
+
+    void foldersListLazilyAndSearchOncePerSession()
+    {
+        QDir().mkpath(path(QStringLiteral("Tree/Inner")));
+        QFile(path(QStringLiteral("Tree/Inner/deep.txt"))).open(QIODevice::WriteOnly);
+        QFile(path(QStringLiteral("Tree/top.txt"))).open(QIODevice::WriteOnly);
+        m_store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Tree/"))));
+        const MenuSource source = MenuSource::folder(m_store->folders().first().id);
+        const ContentSources &all = sources();
+
+        const MenuEntries entries = all.items(source);
+        QCOMPARE(describe(entries), (QStringList{"Inner ▸", "top.txt"}));
+        QCOMPARE(m_listings, 1);
+        QCOMPARE(describe(std::get<SubmenuEntry>(entries.first()).fill()), QStringList{"deep.txt"});
+        QCOMPARE(m_listings, 2);
+
+        const auto search = all.of(source).searchSource(source);
+        QVERIFY(search);
+        QCOMPARE(search->results(TextMatcher(QStringLiteral("top")), 10).size(), 1);
+        QCOMPARE(search->results(TextMatcher(QStringLiteral("to")), 10).size(), 1);
+        QCOMPARE(m_listings, 3);
+        QVERIFY(!all.of(MenuSource::Case::Recents).searchSource(MenuSource::recents()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestContentSources)
+#include "test_contentsources.moc"
