@@ -14,9 +14,9 @@ constexpr int entryCount = 2000;
 // The eleven main categories, the two that imply AudioVideo and seven
 // additional ones that fall into Other.
 const char *const categories[] = {
-    "AudioVideo", "Development", "Education", "Game",   "Graphics",   "Network", "Office",
-    "Science",    "Settings",    "System",    "Utility", "Audio",     "Video",   "Building",
-    "Debugger",   "IDE",         "Chat",      "Email",  "Calculator", "Player",
+    "AudioVideo", "Development", "Education", "Game",    "Graphics",   "Network", "Office",
+    "Science",    "Settings",    "System",    "Utility", "Audio",      "Video",   "Building",
+    "Debugger",   "IDE",         "Chat",      "Email",   "Calculator", "Player",
 };
 
 bool writeFile(const QString &path, const QByteArray &contents)

@@ -32,9 +32,12 @@ void write(const QString &path, const QByteArray &contents)
 void writeShortcutsTool(const QString &path)
 {
     QByteArray script = "#!/bin/sh\ncase \"$*\" in\n";
-    script += "*--folders*) for f in 1 2 3 4 5; do echo \"Folder $f (00000000-0000-4000-8000-00000000000$f)\"; done ;;\n";
-    script += "*none*) i=0; while [ $i -lt 100 ]; do printf 'Loose %d (00000000-0000-4000-8000-%012d)\\n' $i $i; i=$((i+1)); done ;;\n";
-    script += "*) i=0; while [ $i -lt 80 ]; do printf 'Task %d (10000000-0000-4000-8000-%012d)\\n' $i $i; i=$((i+1)); done ;;\n";
+    script +=
+        "*--folders*) for f in 1 2 3 4 5; do echo \"Folder $f (00000000-0000-4000-8000-00000000000$f)\"; done ;;\n";
+    script += "*none*) i=0; while [ $i -lt 100 ]; do printf 'Loose %d (00000000-0000-4000-8000-%012d)\\n' $i $i; "
+              "i=$((i+1)); done ;;\n";
+    script += "*) i=0; while [ $i -lt 80 ]; do printf 'Task %d (10000000-0000-4000-8000-%012d)\\n' $i $i; i=$((i+1)); "
+              "done ;;\n";
     script += "esac\n";
     write(path, script);
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -79,8 +82,9 @@ struct Setup {
             for (int f = 0; f < 4; ++f)
                 store.addFolder(QUrl::fromLocalFile(QDir::homePath() + QStringLiteral("/Folder%1/").arg(f)));
             for (int s = 0; s < 20; ++s)
-                store.addShortcutSource(MenuSource::shortcut(
-                    {QStringLiteral("10000000-0000-4000-8000-%1").arg(s, 12, 10, QLatin1Char('0')), QStringLiteral("Task %1").arg(s)}));
+                store.addShortcutSource(
+                    MenuSource::shortcut({QStringLiteral("10000000-0000-4000-8000-%1").arg(s, 12, 10, QLatin1Char('0')),
+                                          QStringLiteral("Task %1").arg(s)}));
         }
         menu = std::make_unique<StatusMenu>(services.statusMenuServices(), [] {});
     }
@@ -125,8 +129,8 @@ void searchKeystroke(benchmark::State &state)
     const ContentSources sources(SourceContext::shared(setup.services.store, library));
     SearchSession session(sources);
     session.search(QStringLiteral("d"), 12); // the first keystroke fills the caches
-    const QStringList queries{QStringLiteral("do"), QStringLiteral("doc"), QStringLiteral("docu"), QStringLiteral("ta"),
-                              QStringLiteral("wi"), QStringLiteral("app")};
+    const QStringList queries{QStringLiteral("do"), QStringLiteral("doc"), QStringLiteral("docu"),
+                              QStringLiteral("ta"), QStringLiteral("wi"),  QStringLiteral("app")};
     qsizetype i = 0;
     for (auto _ : state)
         benchmark::DoNotOptimize(session.search(queries.at(i++ % queries.size()), 12));

@@ -10,7 +10,7 @@ const QString sparkleNamespace = QStringLiteral("http://www.andymatuschak.org/xm
 bool isSparkle(const QXmlStreamAttribute &attribute, QLatin1String name)
 {
     return attribute.name() == name
-        && (attribute.namespaceUri() == sparkleNamespace || attribute.prefix() == QLatin1String("sparkle"));
+           && (attribute.namespaceUri() == sparkleNamespace || attribute.prefix() == QLatin1String("sparkle"));
 }
 
 bool isSparkleElement(const QXmlStreamReader &xml, QLatin1String name)
@@ -80,8 +80,9 @@ Decoded<QList<AppcastItem>> parseAppcast(const QByteArray &data)
         }
     }
     if (xml.hasError())
-        return Decoded<QList<AppcastItem>>::failure(
-            QStringLiteral("The update feed is not valid XML (line %1): %2").arg(xml.lineNumber()).arg(xml.errorString()));
+        return Decoded<QList<AppcastItem>>::failure(QStringLiteral("The update feed is not valid XML (line %1): %2")
+                                                        .arg(xml.lineNumber())
+                                                        .arg(xml.errorString()));
     if (!sawChannel)
         return Decoded<QList<AppcastItem>>::failure(QStringLiteral("The update feed has no channel"));
     return items;

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "platform/opener.h"
 #include "app/statusmenu.h"
 #include "app/updates.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "platform/giolauncher.h"
-#include "settings/settingswindow.h"
 #include "platform/opener.h"
+#include "settings/settingswindow.h"
 #include "sources/contentsources.h"
 #include "sources/shortcutlibrary.h"
 

@@ -10,7 +10,8 @@ QString layoutText(const MenuStore &store)
     QString text;
     for (const auto &entry : store.layout()) {
         text += enumToString(entry.style) + QLatin1Char('\t')
-            + QString::fromUtf8(QJsonDocument(encode(entry.source)).toJson(QJsonDocument::Compact)) + QLatin1Char('\n');
+                + QString::fromUtf8(QJsonDocument(encode(entry.source)).toJson(QJsonDocument::Compact))
+                + QLatin1Char('\n');
     }
     return text;
 }

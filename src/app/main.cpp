@@ -17,14 +17,19 @@
 namespace {
 
 struct Options {
-    QCommandLineOption printLayout{QStringLiteral("print-layout"), QStringLiteral("Print the effective menu layout and exit.")};
-    QCommandLineOption printMenu{QStringLiteral("print-menu"), QStringLiteral("Print the menu as it would open now, and exit.")};
-    QCommandLineOption depth{QStringLiteral("depth"), QStringLiteral("How many submenu levels --print-menu fills (default 2)."),
+    QCommandLineOption printLayout{QStringLiteral("print-layout"),
+                                   QStringLiteral("Print the effective menu layout and exit.")};
+    QCommandLineOption printMenu{QStringLiteral("print-menu"),
+                                 QStringLiteral("Print the menu as it would open now, and exit.")};
+    QCommandLineOption depth{QStringLiteral("depth"),
+                             QStringLiteral("How many submenu levels --print-menu fills (default 2)."),
                              QStringLiteral("N"), QStringLiteral("2")};
-    QCommandLineOption search{QStringLiteral("search"), QStringLiteral("Print what the menu's search shows for TEXT, and exit."),
+    QCommandLineOption search{QStringLiteral("search"),
+                              QStringLiteral("Print what the menu's search shows for TEXT, and exit."),
                               QStringLiteral("TEXT")};
     QCommandLineOption autostart{QStringLiteral("autostart"), QStringLiteral("Started at login: show only the icon.")};
-    QCommandLineOption toggleSearch{QStringLiteral("toggle-search"), QStringLiteral("Show or hide the running Quillon's search panel.")};
+    QCommandLineOption toggleSearch{QStringLiteral("toggle-search"),
+                                    QStringLiteral("Show or hide the running Quillon's search panel.")};
     QCommandLineOption menu{QStringLiteral("menu"), QStringLiteral("Pop the running Quillon's menu up at the mouse.")};
     QCommandLineOption settings{QStringLiteral("settings"), QStringLiteral("Show the running Quillon's settings.")};
 };

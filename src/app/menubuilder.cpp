@@ -31,8 +31,8 @@ QAction *MenuBuilder::addOpenableItem(QMenu *menu, const QString &title, const Q
 QMenu *MenuBuilder::addSubmenu(QMenu *menu, const QString &title, const std::optional<ItemIcon> &icon,
                                std::function<MenuEntries()> fill)
 {
-    auto *submenu = new LazyMenu([this, fill = std::move(fill)](QMenu *m) { addEntries(m, fill()); }, emptyTitle(),
-                                 menu);
+    auto *submenu =
+        new LazyMenu([this, fill = std::move(fill)](QMenu *m) { addEntries(m, fill()); }, emptyTitle(), menu);
     submenu->setTitle(menuTitle(title));
     submenu->setIcon(menuSizeIcon(drawnIcon(icon)));
     menu->addMenu(submenu);
@@ -48,8 +48,8 @@ QAction *MenuBuilder::addSourceItem(QMenu *menu, const MenuSource &source)
         addEntries(menu, kind.items(source));
         return menu->actions().size() > before ? menu->actions().at(before) : nullptr;
     }
-    QMenu *submenu = addSubmenu(menu, kind.title(source), kind.icon(source),
-                                [&kind, source] { return kind.items(source); });
+    QMenu *submenu =
+        addSubmenu(menu, kind.title(source), kind.icon(source), [&kind, source] { return kind.items(source); });
     return submenu->menuAction();
 }
 

@@ -6,8 +6,8 @@ QPixmap menuSizePixmap(const QPixmap &pixmap)
     if (size.width() <= menuIconSize && size.height() <= menuIconSize)
         return pixmap;
     const qreal ratio = pixmap.devicePixelRatio();
-    QPixmap copy = pixmap.scaled(QSize(menuIconSize, menuIconSize) * ratio, Qt::IgnoreAspectRatio,
-                                 Qt::SmoothTransformation);
+    QPixmap copy =
+        pixmap.scaled(QSize(menuIconSize, menuIconSize) * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     copy.setDevicePixelRatio(ratio);
     return copy;
 }

@@ -20,8 +20,10 @@ void print(QMenu *menu, int level, int depth, QString &out)
     const QString indent(level * 2, QLatin1Char(' '));
     for (QAction *action : menu->actions()) {
         if (action->isSeparator()) {
-            out += indent + (action->text().isEmpty() ? QStringLiteral("---") : QLatin1Char('[') + shown(action->text()) + QLatin1Char(']'))
-                + QLatin1Char('\n');
+            out += indent
+                   + (action->text().isEmpty() ? QStringLiteral("---")
+                                               : QLatin1Char('[') + shown(action->text()) + QLatin1Char(']'))
+                   + QLatin1Char('\n');
             continue;
         }
         if (qobject_cast<QWidgetAction *>(action)) {

@@ -72,9 +72,9 @@ bool SingleInstance::claim()
         qCWarning(lcApp, "Could not export %s on the session bus", objectPath);
         return claimSocket();
     }
-    const auto reply = bus.interface()->registerService(QLatin1String(serviceName),
-                                                        QDBusConnectionInterface::DontQueueService,
-                                                        QDBusConnectionInterface::DontAllowReplacement);
+    const auto reply =
+        bus.interface()->registerService(QLatin1String(serviceName), QDBusConnectionInterface::DontQueueService,
+                                         QDBusConnectionInterface::DontAllowReplacement);
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
         m_onBus = true;
         return true;

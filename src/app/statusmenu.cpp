@@ -1,16 +1,15 @@
 #include "app/statusmenu.h"
 
 #include "app/menuicon.h"
-#include "platform/opener.h"
 #include "app/searchfieldaction.h"
-#include "platform/itemicons.h"
-#include "platform/opener.h"
 #include "app/updates.h"
 #include "catalog/systemstrings.h"
 #include "common/mainthread.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "config/urls.h"
+#include "platform/itemicons.h"
+#include "platform/opener.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QApplication>
@@ -47,8 +46,9 @@ protected:
     {
         QLineEdit *edit = field ? field() : nullptr;
         const bool text = !event->text().isEmpty() && event->text().at(0).isPrint()
-            && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
-        const bool editing = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete
+                          && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        const bool editing =
+            event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete
             || ((event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) && edit && edit->hasFocus());
         if (edit && edit->isVisible() && (text || editing)) {
             edit->setFocus(Qt::OtherFocusReason);
@@ -67,9 +67,9 @@ QUrl feedbackURL(const QString &version, const QString &osVersion)
     url.setScheme(QStringLiteral("mailto"));
     url.setPath(feedbackAddress);
     QUrlQuery query;
-    query.addQueryItem(QStringLiteral("subject"), QStringLiteral("%1/%2 Linux/%3 Feedback")
-                                                      .arg(displayName, version.isEmpty() ? QStringLiteral("?") : version,
-                                                           osVersion));
+    query.addQueryItem(QStringLiteral("subject"),
+                       QStringLiteral("%1/%2 Linux/%3 Feedback")
+                           .arg(displayName, version.isEmpty() ? QStringLiteral("?") : version, osVersion));
     url.setQuery(query);
     return url;
 }
@@ -203,8 +203,7 @@ void StatusMenu::addSearchResults(const QString &query)
         if (groups.size() > 1)
             m_menu->addSection(menuTitle(group.title));
         for (const auto &result : group.results)
-            m_builder.addOpenableItem(m_menu.get(), result.title, result.url,
-                                      drawnIcon(result.icon));
+            m_builder.addOpenableItem(m_menu.get(), result.title, result.url, drawnIcon(result.icon));
     }
     markUnavailableFiles(start);
 }
@@ -247,8 +246,8 @@ void StatusMenu::addCommands()
     Updates &updates = m_services.updates;
     QAction *update = nullptr;
     if (updates.hasPendingUpdate()) {
-        static const QIcon arrow = QIcon::fromTheme(QStringLiteral("go-down"),
-                                                    QIcon::fromTheme(QStringLiteral("software-update-available")));
+        static const QIcon arrow =
+            QIcon::fromTheme(QStringLiteral("go-down"), QIcon::fromTheme(QStringLiteral("software-update-available")));
         update = m_menu->addAction(menuSizeIcon(arrow), menuTitle(strings.text(SystemString::UpdateAvailable)));
     } else {
         update = m_menu->addAction(menuTitle(strings.text(SystemString::CheckForUpdates) + QStringLiteral("…")));
@@ -297,9 +296,9 @@ void StatusMenu::open(const QUrl &url)
 void StatusMenu::showAbout()
 {
     const QString site = QLatin1String(productSite);
-    const QString text = QStringLiteral("<h3>%1</h3><p>%2 %3</p><p><a href=\"%4\">%5</a></p>")
-                             .arg(displayName, tr("Version"), QCoreApplication::applicationVersion(), site,
-                                  QUrl(site).host());
+    const QString text =
+        QStringLiteral("<h3>%1</h3><p>%2 %3</p><p><a href=\"%4\">%5</a></p>")
+            .arg(displayName, tr("Version"), QCoreApplication::applicationVersion(), site, QUrl(site).host());
     QMessageBox::about(nullptr, withName(m_services.sources.context().strings.text(SystemString::About)), text);
 }
 

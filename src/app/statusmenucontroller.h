@@ -15,8 +15,8 @@ class StatusMenuController : public QObject
     Q_OBJECT
 
 public:
-    StatusMenuController(StatusMenu::Services services, std::unique_ptr<Tray> tray,
-                         std::function<void()> openSettings, QObject *parent = nullptr);
+    StatusMenuController(StatusMenu::Services services, std::unique_ptr<Tray> tray, std::function<void()> openSettings,
+                         QObject *parent = nullptr);
     ~StatusMenuController() override;
 
     StatusMenu &statusMenu() { return *m_statusMenu; }

@@ -88,7 +88,7 @@ void UpdateWindow::showResult(const UpdateCheckResult &result)
         }
         // The download itself, else the page that describes the release.
         m_downloadURL = !item.downloadURL.isEmpty() ? item.downloadURL
-            : !item.infoURL.isEmpty()               ? item.infoURL
+                        : !item.infoURL.isEmpty()   ? item.infoURL
                                                     : item.releaseNotesURL;
         m_download->setVisible(!m_downloadURL.isEmpty());
         m_close->setText(tr("Later"));

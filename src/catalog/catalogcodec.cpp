@@ -77,9 +77,10 @@ Decoded<SymbolRendering> decode(const QJsonValue &json)
 template<>
 Decoded<StringRef> decode(const QJsonValue &json)
 {
-    return decodeRecord<StringRef>(json, "a string reference", [](const QJsonObject &o, StringRef &ref, QString &error) {
-        return readField(o, "table", ref.table, error) && readField(o, "key", ref.key, error);
-    });
+    return decodeRecord<StringRef>(
+        json, "a string reference", [](const QJsonObject &o, StringRef &ref, QString &error) {
+            return readField(o, "table", ref.table, error) && readField(o, "key", ref.key, error);
+        });
 }
 
 template<>
@@ -131,8 +132,8 @@ Decoded<Item> decode(const QJsonValue &json)
 {
     return decodeRecord<Item>(json, "an item", [](const QJsonObject &o, Item &item, QString &error) {
         return readField(o, "label", item.label, error) && readOptional(o, "labelRefs", item.labelRefs, error)
-            && readOptional(o, "labelSource", item.labelSource, error) && readField(o, "kind", item.kind, error)
-            && readField(o, "url", item.url, error) && take(decodeIconSpec(o), item.icon, error);
+               && readOptional(o, "labelSource", item.labelSource, error) && readField(o, "kind", item.kind, error)
+               && readField(o, "url", item.url, error) && take(decodeIconSpec(o), item.icon, error);
     });
 }
 
@@ -141,7 +142,7 @@ Decoded<ItemSection> decode(const QJsonValue &json)
 {
     return decodeRecord<ItemSection>(json, "a section", [](const QJsonObject &o, ItemSection &section, QString &error) {
         return readOptional(o, "title", section.title, error) && readOptional(o, "titleRef", section.titleRef, error)
-            && readField(o, "items", section.items, error);
+               && readField(o, "items", section.items, error);
     });
 }
 
@@ -166,7 +167,7 @@ Decoded<Catalog> decode(const QJsonValue &json)
 {
     return decodeRecord<Catalog>(json, "a catalog", [](const QJsonObject &o, Catalog &catalog, QString &error) {
         return readField(o, "osVersion", catalog.osVersion, error) && readField(o, "sections", catalog.sections, error)
-            && readField(o, "panes", catalog.panes, error) && readOptional(o, "strings", catalog.strings, error);
+               && readField(o, "panes", catalog.panes, error) && readOptional(o, "strings", catalog.strings, error);
     });
 }
 

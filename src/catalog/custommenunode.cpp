@@ -5,7 +5,10 @@ namespace {
 class TreeBuilder
 {
 public:
-    explicit TreeBuilder(const Catalog &catalog) : m_catalog(catalog) {}
+    explicit TreeBuilder(const Catalog &catalog)
+        : m_catalog(catalog)
+    {
+    }
 
     void pick(const Destination &destination)
     {

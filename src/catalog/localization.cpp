@@ -65,10 +65,8 @@ QStringList candidates(const QString &language)
     if (full.language.isEmpty() || full.language == u"c" || full.language == u"posix")
         return {};
     QStringList result;
-    for (const LocaleName &name : {full,
-                                   LocaleName{full.language, full.territory, {}},
-                                   LocaleName{full.language, {}, full.modifier},
-                                   LocaleName{full.language, {}, {}}}) {
+    for (const LocaleName &name : {full, LocaleName{full.language, full.territory, {}},
+                                   LocaleName{full.language, {}, full.modifier}, LocaleName{full.language, {}, {}}}) {
         const QString text = key(name);
         if (!result.contains(text))
             result.append(text);

@@ -22,7 +22,10 @@ QByteArray firstPart(const QByteArray &text)
 class MoReader
 {
 public:
-    explicit MoReader(const QByteArray &data) : m_data(data) {}
+    explicit MoReader(const QByteArray &data)
+        : m_data(data)
+    {
+    }
 
     Decoded<Table> read()
     {

@@ -16,7 +16,8 @@ const QString translationPrefix = QStringLiteral("quillon_");
 std::unique_ptr<QTranslator> loadOwnTranslation(const QStringList &languages)
 {
     QStringList available;
-    const QStringList files = QDir(translationsFolder).entryList({translationPrefix + QStringLiteral("*.qm")}, QDir::Files);
+    const QStringList files =
+        QDir(translationsFolder).entryList({translationPrefix + QStringLiteral("*.qm")}, QDir::Files);
     for (const QString &file : files)
         available.append(file.sliced(translationPrefix.size()).chopped(3));
     const auto locale = preferredLocalization(available, languages);

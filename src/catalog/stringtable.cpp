@@ -64,7 +64,10 @@ Decoded<std::optional<StringTable>> loadStringTable(const QString &path, const Q
     return loadDesktopEntryTable(path, languages);
 }
 
-StringTableCache::StringTableCache(QStringList languages) : m_languages(std::move(languages)) {}
+StringTableCache::StringTableCache(QStringList languages)
+    : m_languages(std::move(languages))
+{
+}
 
 std::optional<StringTable> StringTableCache::table(const QString &path)
 {

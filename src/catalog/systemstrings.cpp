@@ -4,7 +4,6 @@
 #include "catalog/owntranslation.h"
 #include "common/mainthread.h"
 
-
 #include <pwd.h>
 #include <unistd.h>
 
@@ -111,7 +110,9 @@ QString fullUserName()
 }
 
 SystemStrings::SystemStrings(std::optional<StringsMap> strings, const QStringList &languages)
-    : m_strings(std::move(strings)), m_tables(languages), m_translator(loadOwnTranslation(languages))
+    : m_strings(std::move(strings))
+    , m_tables(languages)
+    , m_translator(loadOwnTranslation(languages))
 {
 }
 

@@ -10,7 +10,10 @@ template<typename T>
 class Decoded
 {
 public:
-    Decoded(T value) : m_value(std::move(value)) {}
+    Decoded(T value)
+        : m_value(std::move(value))
+    {
+    }
     static Decoded failure(QString error)
     {
         Decoded result;
@@ -19,7 +22,10 @@ public:
     }
     // Carries another decoding's failure over to this type.
     template<typename U>
-    static Decoded failure(const Decoded<U> &other) { return failure(other.error()); }
+    static Decoded failure(const Decoded<U> &other)
+    {
+        return failure(other.error());
+    }
 
     bool ok() const { return m_value.has_value(); }
     explicit operator bool() const { return ok(); }

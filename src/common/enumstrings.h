@@ -18,7 +18,10 @@ struct EnumCases;
 // Only enumerations that list their cases take part. The names avoid plain
 // toString, which Qt Test looks up for every compared value.
 template<typename E>
-concept NamedEnum = std::is_enum_v<E> && requires { EnumCases<E>::cases; };
+concept NamedEnum = std::is_enum_v<E> && requires
+{
+    EnumCases<E>::cases;
+};
 
 template<NamedEnum E>
 QString enumToString(E value)

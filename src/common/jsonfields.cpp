@@ -47,8 +47,8 @@ Decoded<double> decode(const QJsonValue &json)
 template<>
 Decoded<QUuid> decode(const QJsonValue &json)
 {
-    static const QRegularExpression form(QStringLiteral(
-        "^[0-9A-Fa-f]{8}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{12}$"));
+    static const QRegularExpression form(
+        QStringLiteral("^[0-9A-Fa-f]{8}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{12}$"));
     const QString text = json.toString();
     if (!json.isString() || !form.match(text).hasMatch())
         return Decoded<QUuid>::failure(QStringLiteral("expected a UUID string"));

@@ -88,7 +88,10 @@ public:
 
     // A default-made source is the applications source, so records holding a
     // source can be default-constructed.
-    MenuSource() : MenuSource(Case::Applications, {}) {}
+    MenuSource()
+        : MenuSource(Case::Applications, {})
+    {
+    }
 
     static MenuSource systemSettings() { return MenuSource(Case::SystemSettings, {}); }
     static MenuSource customMenu(const QUuid &id) { return MenuSource(Case::CustomMenu, id); }
@@ -110,7 +113,11 @@ public:
 
 private:
     using Payload = std::variant<std::monostate, QUuid, ShortcutRef>;
-    MenuSource(Case c, Payload payload) : m_case(c), m_payload(std::move(payload)) {}
+    MenuSource(Case c, Payload payload)
+        : m_case(c)
+        , m_payload(std::move(payload))
+    {
+    }
 
     Case m_case;
     Payload m_payload;

@@ -2,7 +2,6 @@
 
 #include <QJsonDocument>
 
-
 namespace {
 
 const QString payloadKey = QStringLiteral("_0");
@@ -87,7 +86,8 @@ QJsonObject encode(const CustomMenu &menu)
     QJsonObject object{
         {QStringLiteral("id"), encodeUuid(menu.id)},
         {QStringLiteral("name"), menu.name},
-        {QStringLiteral("urls"), encodeList(menu.urls, [](const QUrl &url) { return url.toString(QUrl::FullyEncoded); })},
+        {QStringLiteral("urls"),
+         encodeList(menu.urls, [](const QUrl &url) { return url.toString(QUrl::FullyEncoded); })},
     };
     if (menu.groupOrder)
         object.insert(QStringLiteral("groupOrder"), encodeList(*menu.groupOrder, encodeEnum<MenuItemKind>));
@@ -208,13 +208,13 @@ Decoded<CustomMenu> decode(const QJsonValue &json)
     auto groupOrder = optionalField<QList<MenuItemKind>>(object, QLatin1StringView("groupOrder"));
     auto symbol = optionalField<QString>(object, QLatin1StringView("symbol"));
     auto color = optionalField<FolderColor>(object, QLatin1StringView("color"));
-    for (const QString *error : {&id.error(), &name.error(), &urls.error(), &groupOrder.error(), &symbol.error(),
-                                 &color.error()}) {
+    for (const QString *error :
+         {&id.error(), &name.error(), &urls.error(), &groupOrder.error(), &symbol.error(), &color.error()}) {
         if (!error->isEmpty())
             return Decoded<CustomMenu>::failure(*error);
     }
-    return CustomMenu{id.value(),           std::move(name).value(), std::move(urls).value(),
-                      groupOrder.value(), symbol.value(),           color.value()};
+    return CustomMenu{id.value(),         std::move(name).value(), std::move(urls).value(),
+                      groupOrder.value(), symbol.value(),          color.value()};
 }
 
 template<>

@@ -57,11 +57,12 @@ Decoded<MenuState> decodeMenuState(const QByteArray &json)
     MenuState state;
     QString error;
     const bool ok = read(object, "layout", state.layout, error) && read(object, "menus", state.menus, error)
-        && read(object, "folders", state.folders, error) && read(object, "shortcuts", state.shortcuts, error)
-        && read(object, "separators", state.separators, error)
-        && read(object, "favoriteApps", state.favoriteApps, error)
-        && read(object, "showsOnlyFavoriteApps", state.showsOnlyFavoriteApps, error)
-        && read(object, "recentsLimit", state.recentsLimit, error);
+                    && read(object, "folders", state.folders, error)
+                    && read(object, "shortcuts", state.shortcuts, error)
+                    && read(object, "separators", state.separators, error)
+                    && read(object, "favoriteApps", state.favoriteApps, error)
+                    && read(object, "showsOnlyFavoriteApps", state.showsOnlyFavoriteApps, error)
+                    && read(object, "recentsLimit", state.recentsLimit, error);
     if (!ok)
         return Decoded<MenuState>::failure(error);
     return state;

@@ -60,7 +60,7 @@ void MenuStore::load()
 
     const QVariant storedRecents = m_preferences.value(recentsKey);
     const QStringList strings = storedRecents.typeId() == QMetaType::QString ? QStringList{storedRecents.toString()}
-                                                                              : storedRecents.toStringList();
+                                                                             : storedRecents.toStringList();
     for (const QString &string : strings) {
         const QUrl url(string, QUrl::StrictMode);
         if (!string.isEmpty() && url.isValid())
@@ -346,8 +346,8 @@ void MenuStore::setStyle(SourceStyle style, const MenuSource &source)
 {
     QUILLON_ASSERT_MAIN_THREAD();
     auto layout = m_layout;
-    const auto it = std::find_if(layout.begin(), layout.end(),
-                                 [&](const LayoutEntry &entry) { return entry.source == source; });
+    const auto it =
+        std::find_if(layout.begin(), layout.end(), [&](const LayoutEntry &entry) { return entry.source == source; });
     if (it == layout.end())
         return;
     it->style = style;

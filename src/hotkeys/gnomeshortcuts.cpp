@@ -15,7 +15,8 @@ constexpr const char *keybindingSchemas[] = {
 constexpr const char *mediaKeys = "org.gnome.settings-daemon.plugins.media-keys";
 constexpr const char *customSchema = "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding";
 constexpr const char *customList = "custom-keybindings";
-const QString customPathBase = QStringLiteral("/org/gnome/settings-daemon/plugins/media-keys/custom-keybindings/custom%1/");
+const QString customPathBase =
+    QStringLiteral("/org/gnome/settings-daemon/plugins/media-keys/custom-keybindings/custom%1/");
 
 // GSettings aborts the process on a schema it does not know, so every
 // schema is looked up first.

@@ -6,7 +6,10 @@
 #include <limits>
 
 HotKeyCenter::HotKeyCenter(const QString &prefix, quint32 number, Preferences &preferences, HotKeyBackend &backend)
-    : m_prefix(prefix), m_number(number), m_preferences(preferences), m_backend(backend)
+    : m_prefix(prefix)
+    , m_number(number)
+    , m_preferences(preferences)
+    , m_backend(backend)
 {
     // Queued: the press arrives inside the desktop's event dispatch, and an
     // action may open windows or menus of its own.

@@ -45,7 +45,8 @@ HotKeyRecorder::HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> other
     m_removeFromDesktop->setObjectName(QStringLiteral("removeFromDesktop"));
     m_button->setMinimumWidth(160);
     m_button->installEventFilter(this);
-    m_clear->setIcon(QIcon::fromTheme(QStringLiteral("edit-clear"), style()->standardIcon(QStyle::SP_LineEditClearButton)));
+    m_clear->setIcon(
+        QIcon::fromTheme(QStringLiteral("edit-clear"), style()->standardIcon(QStyle::SP_LineEditClearButton)));
     m_clear->setAutoRaise(true);
     m_clear->setToolTip(SystemStrings::shared().text(SystemString::RemoveShortcut));
     m_warning->setStyleSheet(QStringLiteral("color: #c01c28;"));
@@ -133,7 +134,7 @@ void HotKeyRecorder::refresh()
         else
             m_button->releaseKeyboard();
     }
-    m_button->setText(m_model.isRecording()        ? strings.text(SystemString::PressKeys)
+    m_button->setText(m_model.isRecording()         ? strings.text(SystemString::PressKeys)
                       : m_model.display().isEmpty() ? strings.text(SystemString::NoShortcut)
                                                     : m_model.display());
     m_button->setDown(m_model.isRecording());
@@ -151,12 +152,12 @@ void HotKeyRecorder::updateDesktopOffer()
     if (!needed)
         m_hint->clear();
     else if (bound)
-        m_hint->setText(tr("GNOME runs “%1” on %2.")
-                            .arg(m_command, boundKeys ? m_model.displayText(boundKeys->keyCode, boundKeys->modifiers)
-                                                      : *bound));
+        m_hint->setText(
+            tr("GNOME runs “%1” on %2.")
+                .arg(m_command, boundKeys ? m_model.displayText(boundKeys->keyCode, boundKeys->modifiers) : *bound));
     else if (gnome)
-        m_hint->setText(tr("This session does not let programs set global shortcuts. GNOME can run “%1” for you.")
-                            .arg(m_command));
+        m_hint->setText(
+            tr("This session does not let programs set global shortcuts. GNOME can run “%1” for you.").arg(m_command));
     else
         m_hint->setText(tr("This session does not let programs set global shortcuts. Bind “%1” to a key in "
                            "your desktop’s keyboard settings.")

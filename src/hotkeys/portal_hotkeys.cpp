@@ -2,8 +2,8 @@
 
 #include "common/log.h"
 #include "common/mainthread.h"
-#include "hotkeys/hotkeycombination.h"
 #include "hotkeys/accelerators.h"
+#include "hotkeys/hotkeycombination.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -59,10 +59,9 @@ QString description(quint32 id)
 
 PortalHotKeys::PortalHotKeys(const QDBusConnection &bus)
     : m_bus(bus)
-    , m_watcher(new QDBusServiceWatcher(QString::fromLatin1(service), m_bus,
-                                        QDBusServiceWatcher::WatchForRegistration |
-                                            QDBusServiceWatcher::WatchForUnregistration,
-                                        this))
+    , m_watcher(new QDBusServiceWatcher(
+          QString::fromLatin1(service), m_bus,
+          QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration, this))
 {
     qDBusRegisterMetaType<PortalShortcut>();
     qDBusRegisterMetaType<QList<PortalShortcut>>();
@@ -128,17 +127,17 @@ QString PortalHotKeys::trigger(quint32 keyCode, quint32 modifiers)
 
 void PortalHotKeys::probe()
 {
-    QDBusMessage get = QDBusMessage::createMethodCall(QString::fromLatin1(service), QString::fromLatin1(path),
-                                                      QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                      QStringLiteral("Get"));
+    QDBusMessage get =
+        QDBusMessage::createMethodCall(QString::fromLatin1(service), QString::fromLatin1(path),
+                                       QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << QString::fromLatin1(interface) << QStringLiteral("version");
     auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(get), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
         call->deleteLater();
         const QString error = call->error().name();
         // No portal yet: it may still start, and the watcher will see it.
-        if (error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown") ||
-            error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner"))
+        if (error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown")
+            || error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner"))
             return;
         // Portals without this interface (GNOME before 48) answer with an error.
         m_state = call->isError() ? State::Missing : State::Present;
@@ -181,8 +180,8 @@ void PortalHotKeys::bind()
 
 void PortalHotKeys::sessionCreated(uint response, const QVariantMap &results)
 {
-    m_bus.disconnect(QString::fromLatin1(service), m_pendingRequest, requestInterface, QStringLiteral("Response"),
-                     this, SLOT(sessionCreated(uint, QVariantMap)));
+    m_bus.disconnect(QString::fromLatin1(service), m_pendingRequest, requestInterface, QStringLiteral("Response"), this,
+                     SLOT(sessionCreated(uint, QVariantMap)));
     const QVariant handle = results.value(QStringLiteral("session_handle"));
     m_session = handle.canConvert<QDBusObjectPath>() ? handle.value<QDBusObjectPath>().path() : handle.toString();
     if (response != 0 || m_session.isEmpty()) {
@@ -216,8 +215,8 @@ void PortalHotKeys::sessionCreated(uint response, const QVariantMap &results)
 
 void PortalHotKeys::shortcutsBound(uint response, const QVariantMap &)
 {
-    m_bus.disconnect(QString::fromLatin1(service), m_pendingRequest, requestInterface, QStringLiteral("Response"),
-                     this, SLOT(shortcutsBound(uint, QVariantMap)));
+    m_bus.disconnect(QString::fromLatin1(service), m_pendingRequest, requestInterface, QStringLiteral("Response"), this,
+                     SLOT(shortcutsBound(uint, QVariantMap)));
     m_binding = false;
     if (response != 0)
         qCWarning(lcHotKeys, "The desktop portal did not bind Quillon's shortcuts (response %u)", response);

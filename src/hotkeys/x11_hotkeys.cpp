@@ -38,12 +38,24 @@ xcb_keysym_t keysymOf(quint32 key)
     if (key >= Qt::Key_F1 && key <= Qt::Key_F35)
         return XK_F1 + (key - Qt::Key_F1);
     static const QHash<quint32, xcb_keysym_t> special{
-        {Qt::Key_Escape, XK_Escape},       {Qt::Key_Tab, XK_Tab},           {Qt::Key_Backspace, XK_BackSpace},
-        {Qt::Key_Return, XK_Return},       {Qt::Key_Enter, XK_KP_Enter},    {Qt::Key_Insert, XK_Insert},
-        {Qt::Key_Delete, XK_Delete},       {Qt::Key_Pause, XK_Pause},       {Qt::Key_Print, XK_Print},
-        {Qt::Key_Home, XK_Home},           {Qt::Key_End, XK_End},           {Qt::Key_Left, XK_Left},
-        {Qt::Key_Up, XK_Up},               {Qt::Key_Right, XK_Right},       {Qt::Key_Down, XK_Down},
-        {Qt::Key_PageUp, XK_Page_Up},      {Qt::Key_PageDown, XK_Page_Down}, {Qt::Key_Menu, XK_Menu},
+        {Qt::Key_Escape, XK_Escape},
+        {Qt::Key_Tab, XK_Tab},
+        {Qt::Key_Backspace, XK_BackSpace},
+        {Qt::Key_Return, XK_Return},
+        {Qt::Key_Enter, XK_KP_Enter},
+        {Qt::Key_Insert, XK_Insert},
+        {Qt::Key_Delete, XK_Delete},
+        {Qt::Key_Pause, XK_Pause},
+        {Qt::Key_Print, XK_Print},
+        {Qt::Key_Home, XK_Home},
+        {Qt::Key_End, XK_End},
+        {Qt::Key_Left, XK_Left},
+        {Qt::Key_Up, XK_Up},
+        {Qt::Key_Right, XK_Right},
+        {Qt::Key_Down, XK_Down},
+        {Qt::Key_PageUp, XK_Page_Up},
+        {Qt::Key_PageDown, XK_Page_Down},
+        {Qt::Key_Menu, XK_Menu},
         {Qt::Key_ScrollLock, XK_Scroll_Lock},
     };
     return special.value(key, XCB_NO_SYMBOL);
@@ -62,7 +74,10 @@ std::unique_ptr<X11HotKeys> X11HotKeys::create()
 }
 
 X11HotKeys::X11HotKeys(xcb_connection_t *connection, quint32 root)
-    : m_connection(connection), m_root(root), m_symbols(xcb_key_symbols_alloc(connection)), m_numLock(findNumLockMask())
+    : m_connection(connection)
+    , m_root(root)
+    , m_symbols(xcb_key_symbols_alloc(connection))
+    , m_numLock(findNumLockMask())
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
@@ -119,8 +134,8 @@ std::optional<HotKeyRefusal> X11HotKeys::grabKeys(Grab &grab)
     QList<xcb_void_cookie_t> cookies;
     for (const quint8 keycode : std::as_const(grab.keycodes)) {
         for (const quint16 mask : lockVariants(grab.mask))
-            cookies.append(xcb_grab_key_checked(m_connection, 1, m_root, mask, keycode, XCB_GRAB_MODE_ASYNC,
-                                                XCB_GRAB_MODE_ASYNC));
+            cookies.append(
+                xcb_grab_key_checked(m_connection, 1, m_root, mask, keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     }
     std::optional<HotKeyRefusal> refusal;
     for (const xcb_void_cookie_t cookie : std::as_const(cookies)) {

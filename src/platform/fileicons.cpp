@@ -74,8 +74,8 @@ QIcon iconForFile(const QString &path)
     }
     static QMimeDatabase mimeDatabase;
     const QMimeType type = mimeDatabase.mimeTypeForFile(path, QMimeDatabase::MatchExtension);
-    return themed({type.iconName(), type.genericIconName(), QStringLiteral("text-x-generic"),
-                   QStringLiteral("unknown")});
+    return themed(
+        {type.iconName(), type.genericIconName(), QStringLiteral("text-x-generic"), QStringLiteral("unknown")});
 }
 
 void ensureIconTheme()

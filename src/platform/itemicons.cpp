@@ -57,7 +57,7 @@ QIcon symbolIcon(const MenuSymbolIcon &description)
 {
     static QHash<QString, QIcon> cache;
     const QString key = description.symbol.value_or(QString()) + QLatin1Char('|')
-        + (description.color ? enumToString(*description.color) : QString());
+                        + (description.color ? enumToString(*description.color) : QString());
     if (const auto hit = cache.constFind(key); hit != cache.constEnd())
         return *hit;
     QIcon base = description.symbol ? iconForName(*description.symbol) : QIcon();

@@ -28,7 +28,7 @@ bool LoginItem::isEnabled() const
     QSettings entry(path, QSettings::IniFormat);
     entry.beginGroup(QStringLiteral("Desktop Entry"));
     return entry.value(QStringLiteral("Hidden")).toString() != QLatin1String("true")
-        && entry.value(QStringLiteral("X-GNOME-Autostart-enabled")).toString() != QLatin1String("false");
+           && entry.value(QStringLiteral("X-GNOME-Autostart-enabled")).toString() != QLatin1String("false");
 }
 
 std::optional<QString> LoginItem::setEnabled(bool enabled) const

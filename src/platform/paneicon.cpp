@@ -70,8 +70,9 @@ QPixmap drawTile(const Tile &tile, qreal scale)
     // The symbol, centred, tinted inside a layer of its own.
     const double symbolPoints = tile.sizeFactor * tileSize;
     const int symbolPixels = std::max(1, qRound(symbolPoints * scale));
-    QImage symbol = tile.symbol.pixmap(QSize(symbolPixels, symbolPixels)).toImage().convertToFormat(
-        QImage::Format_ARGB32_Premultiplied);
+    QImage symbol = tile.symbol.pixmap(QSize(symbolPixels, symbolPixels))
+                        .toImage()
+                        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (tile.tint) {
         QPainter tint(&symbol);
         tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
@@ -102,7 +103,8 @@ std::optional<QIcon> render(const IconSpec &description)
         if (rendering == SymbolRendering::White)
             tile.tint = QColor(Qt::white);
         else if (rendering == SymbolRendering::Color)
-            tile.tint = description.symbolColor ? colorOf(*description.symbolColor).value_or(Qt::white) : QColor(Qt::white);
+            tile.tint =
+                description.symbolColor ? colorOf(*description.symbolColor).value_or(Qt::white) : QColor(Qt::white);
         tile.sizeFactor = description.symbolSize.value_or(defaultSizeFactor);
         tile.mirrored = description.symbolMirrored.value_or(false);
         QIcon icon;

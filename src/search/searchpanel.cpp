@@ -9,7 +9,6 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
-
 namespace {
 
 constexpr int shadowMargin = 28;

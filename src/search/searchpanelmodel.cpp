@@ -22,8 +22,8 @@ void SearchPanelModel::setQuery(const QString &query)
     const QList<SearchResult> all = results();
     const std::optional<QUrl> previous = m_selection;
     const bool kept = m_selection && std::any_of(all.cbegin(), all.cend(), [this](const SearchResult &result) {
-        return result.url == *m_selection;
-    });
+                          return result.url == *m_selection;
+                      });
     if (!kept)
         m_selection = all.isEmpty() ? std::nullopt : std::optional<QUrl>(all.first().url);
     Q_EMIT groupsChanged();

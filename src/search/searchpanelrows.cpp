@@ -128,8 +128,8 @@ void SearchPanelDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
         painter->fillPath(path, fill);
     }
 
-    const QRect iconRect(option.rect.left() + 20, option.rect.top() + (option.rect.height() - iconSize) / 2,
-                         iconSize, iconSize);
+    const QRect iconRect(option.rect.left() + 20, option.rect.top() + (option.rect.height() - iconSize) / 2, iconSize,
+                         iconSize);
     const QIcon icon = index.data(Qt::DecorationRole).value<QIcon>();
     icon.paint(painter, iconRect, Qt::AlignCenter);
 

@@ -49,13 +49,15 @@ GeneralPane::GeneralPane(Preferences &preferences, MenuStore &store, UpdateSetti
     auto *automatic = new QCheckBox(strings.text(SystemString::AutomaticUpdates), this);
     automatic->setChecked(updates.isConfigured() && updates.automaticallyChecksForUpdates());
     automatic->setEnabled(updates.isConfigured());
-    connect(automatic, &QCheckBox::toggled, this, [&updates](bool on) { updates.setAutomaticallyChecksForUpdates(on); });
+    connect(automatic, &QCheckBox::toggled, this,
+            [&updates](bool on) { updates.setAutomaticallyChecksForUpdates(on); });
     m_form->addRow(automatic);
 
     auto *recents = new QSpinBox(this);
     recents->setRange(0, MenuStore::maximumRecents);
     recents->setValue(std::clamp(store.recentsLimit(), 0, MenuStore::maximumRecents));
     connect(recents, &QSpinBox::valueChanged, &store, &MenuStore::setRecentsLimit);
-    m_form->addRow(strings.text(SystemString::Recents) + QStringLiteral(" – ") + strings.text(SystemString::NumberOfItems),
+    m_form->addRow(strings.text(SystemString::Recents) + QStringLiteral(" – ")
+                       + strings.text(SystemString::NumberOfItems),
                    recents);
 }

@@ -1,9 +1,9 @@
 #include "settings/settingswindow.h"
 
 #include "catalog/systemstrings.h"
-#include "settings/generalpane.h"
 #include "hotkeys/hotkeycenter.h"
 #include "hotkeys/hotkeyrecorder.h"
+#include "settings/generalpane.h"
 #include "sources/contentsources.h"
 
 #include <QFormLayout>
@@ -25,12 +25,13 @@ SettingsWindow::SettingsWindow(Services services, QWidget *parent)
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
     m_searchHotKey = new HotKeyRecorder(hotKeys.search(), hotKeys.others(hotKeys.search()),
                                         QStringLiteral("quillon --toggle-search"), m_general);
-    m_menuHotKey = new HotKeyRecorder(hotKeys.menu(), hotKeys.others(hotKeys.menu()), QStringLiteral("quillon --menu"),
-                                      m_general);
+    m_menuHotKey =
+        new HotKeyRecorder(hotKeys.menu(), hotKeys.others(hotKeys.menu()), QStringLiteral("quillon --menu"), m_general);
     m_general->form()->addRow(tr("Search panel:"), m_searchHotKey);
     m_general->form()->addRow(tr("Menu at the mouse:"), m_menuHotKey);
     m_tabs->addTab(m_general, strings.text(SystemString::General));
-    for (const QString &title : {strings.text(SystemString::Menus), strings.text(SystemString::Content), services.sources.title(MenuSource::applications())})
+    for (const QString &title : {strings.text(SystemString::Menus), strings.text(SystemString::Content),
+                                 services.sources.title(MenuSource::applications())})
         m_tabs->addTab(new QWidget(m_tabs), title);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);

@@ -88,5 +88,6 @@ CategoryFolder CategoryNames::folder(AppCategory category) const
             break;
         }
     }
-    return CategoryFolder{QCoreApplication::translate("AppCategory", files.englishName), QUrl(), QLatin1String(files.icon)};
+    return CategoryFolder{QCoreApplication::translate("AppCategory", files.englishName), QUrl(),
+                          QLatin1String(files.icon)};
 }

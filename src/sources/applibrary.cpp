@@ -44,9 +44,8 @@ namespace {
 void sortByName(QList<AppEntry> &entries)
 {
     const QCollator collator = naturalOrder();
-    std::sort(entries.begin(), entries.end(), [&collator](const AppEntry &a, const AppEntry &b) {
-        return collator.compare(a.name(), b.name()) < 0;
-    });
+    std::sort(entries.begin(), entries.end(),
+              [&collator](const AppEntry &a, const AppEntry &b) { return collator.compare(a.name(), b.name()) < 0; });
 }
 
 QStringList applicationDirs(const QStringList &dataDirs)
@@ -86,8 +85,8 @@ QList<AppEntry> AppLibrary::scan()
     for (auto it = byCategory.begin(); it != byCategory.end(); ++it) {
         CategoryFolder folder = categoryNames.folder(it.key());
         sortByName(it.value());
-        tree.append(AppFolder{std::move(folder.name), std::move(folder.url), std::move(folder.icon),
-                              std::move(it.value())});
+        tree.append(
+            AppFolder{std::move(folder.name), std::move(folder.url), std::move(folder.icon), std::move(it.value())});
     }
     sortByName(tree);
     return tree;

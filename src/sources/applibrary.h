@@ -35,8 +35,14 @@ struct AppFolder {
 class AppEntry
 {
 public:
-    AppEntry(App app) : m_node(std::move(app)) {}
-    AppEntry(AppFolder folder) : m_node(std::move(folder)) {}
+    AppEntry(App app)
+        : m_node(std::move(app))
+    {
+    }
+    AppEntry(AppFolder folder)
+        : m_node(std::move(folder))
+    {
+    }
 
     const App *app() const { return std::get_if<App>(&m_node); }
     const AppFolder *folder() const { return std::get_if<AppFolder>(&m_node); }

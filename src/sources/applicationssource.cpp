@@ -11,7 +11,10 @@ namespace {
 class ApplicationsSource final : public ContentSource
 {
 public:
-    explicit ApplicationsSource(const SourceContext &context) : m_context(context) {}
+    explicit ApplicationsSource(const SourceContext &context)
+        : m_context(context)
+    {
+    }
 
     MenuSource::Case kind() const override { return MenuSource::Case::Applications; }
     QString title(const MenuSource &) const override { return applicationsTitle(m_context.strings); }
@@ -43,7 +46,10 @@ private:
     class Search final : public SourceSearch
     {
     public:
-        explicit Search(const SourceContext &context) : m_context(context) {}
+        explicit Search(const SourceContext &context)
+            : m_context(context)
+        {
+        }
 
         QList<SearchResult> results(const TextMatcher &matcher, int limit) override
         {

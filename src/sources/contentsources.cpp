@@ -20,15 +20,8 @@ namespace {
 using Factory = std::unique_ptr<ContentSource> (*)(const ContentSources &);
 
 constexpr Factory builtInSources[] = {
-    makeApplicationsSource,
-    makeSystemSettingsSource,
-    makeShortcutsSource,
-    makeShortcutFolderSource,
-    makeShortcutSource,
-    makeFolderSource,
-    makeCustomMenuSource,
-    makeRecentsSource,
-    makeSeparatorSource,
+    makeApplicationsSource, makeSystemSettingsSource, makeShortcutsSource, makeShortcutFolderSource, makeShortcutSource,
+    makeFolderSource,       makeCustomMenuSource,     makeRecentsSource,   makeSeparatorSource,
 };
 
 std::size_t indexOf(MenuSource::Case kind)

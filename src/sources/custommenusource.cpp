@@ -30,7 +30,10 @@ public:
         const auto menu = m_context.store.menu(*source.uuid());
         return menu ? std::optional<ItemIcon>(MenuSymbolIcon{menu->symbol, menu->color}) : std::nullopt;
     }
-    bool isAvailable(const MenuSource &source) const override { return m_context.store.menu(*source.uuid()).has_value(); }
+    bool isAvailable(const MenuSource &source) const override
+    {
+        return m_context.store.menu(*source.uuid()).has_value();
+    }
 
     MenuEntries items(const MenuSource &source) const override
     {

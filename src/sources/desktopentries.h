@@ -9,9 +9,9 @@
 
 // One application the user should see in menus, read from its desktop entry.
 struct DesktopApp {
-    QString name;     // the localized Name
-    QUrl url;         // the desktop file
-    QString icon;     // a theme icon name or an absolute path; may be empty
+    QString name; // the localized Name
+    QUrl url;     // the desktop file
+    QString icon; // a theme icon name or an absolute path; may be empty
     AppCategory category = AppCategory::Other;
     bool operator==(const DesktopApp &) const = default;
 };

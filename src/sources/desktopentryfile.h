@@ -30,7 +30,10 @@ private:
     struct Free {
         void operator()(_GKeyFile *file) const;
     };
-    explicit DesktopEntryFile(_GKeyFile *file) : m_file(file) {}
+    explicit DesktopEntryFile(_GKeyFile *file)
+        : m_file(file)
+    {
+    }
     bool has(const char *key) const;
 
     std::unique_ptr<_GKeyFile, Free> m_file;

@@ -24,9 +24,8 @@ MenuEntries folderEntries(const SourceContext &context, const QUrl &folder, Fold
             entries.append(OpenableEntry{entry.name, entry.url, icon});
             continue;
         }
-        entries.append(SubmenuEntry{entry.name, icon, [&context, url = entry.url, sort] {
-                                        return folderEntries(context, url, sort);
-                                    }});
+        entries.append(SubmenuEntry{entry.name, icon,
+                                    [&context, url = entry.url, sort] { return folderEntries(context, url, sort); }});
     }
     return entries;
 }
@@ -36,8 +35,8 @@ MenuEntries appEntries(const QList<AppEntry> &entries)
     MenuEntries result;
     for (const auto &entry : entries) {
         if (const App *app = entry.app()) {
-            const ItemIcon icon = app->icon.isEmpty() ? ItemIcon(FileIcon{app->url.toLocalFile()})
-                                                      : ItemIcon(NamedIcon{app->icon});
+            const ItemIcon icon =
+                app->icon.isEmpty() ? ItemIcon(FileIcon{app->url.toLocalFile()}) : ItemIcon(NamedIcon{app->icon});
             result.append(OpenableEntry{app->name, app->url, icon});
         } else if (const AppFolder *folder = entry.folder()) {
             result.append(SubmenuEntry{folder->name, ThemeIcon{{folder->icon, QStringLiteral("folder")}},

@@ -20,7 +20,10 @@ QString withoutExtension(const QString &name)
 class FolderSourceKind final : public ContentSource
 {
 public:
-    explicit FolderSourceKind(const SourceContext &context) : m_context(context) {}
+    explicit FolderSourceKind(const SourceContext &context)
+        : m_context(context)
+    {
+    }
 
     MenuSource::Case kind() const override { return MenuSource::Case::Folder; }
     QString title(const MenuSource &source) const override
@@ -55,7 +58,11 @@ private:
     class Search final : public SourceSearch
     {
     public:
-        Search(const SourceContext &context, FolderSource folder) : m_context(context), m_folder(std::move(folder)) {}
+        Search(const SourceContext &context, FolderSource folder)
+            : m_context(context)
+            , m_folder(std::move(folder))
+        {
+        }
 
         QList<SearchResult> results(const TextMatcher &matcher, int limit) override
         {

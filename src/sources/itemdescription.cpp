@@ -20,7 +20,7 @@ QString placeTitle(SystemStrings &strings, const Pane &pane, const std::optional
     if (!item)
         return paneName;
     return paneName + QStringLiteral(" › ") + strings.itemLabel(*item)
-        + (item->kind == Kind::Sheet ? QStringLiteral("…") : QString());
+           + (item->kind == Kind::Sheet ? QStringLiteral("…") : QString());
 }
 
 std::optional<SearchResult> describeItem(const QUrl &url, const ShortcutLibrary *shortcuts,
@@ -48,7 +48,8 @@ std::optional<SearchResult> describeItem(const QUrl &url, const ShortcutLibrary 
         QString title = folderTitle(url);
         // An application is known by its name, not its file's.
         if (kindOf(url) == MenuItemKind::Apps) {
-            if (const auto entry = DesktopEntryFile::load(path.toUtf8()); entry && !entry->localeString("Name").isEmpty())
+            if (const auto entry = DesktopEntryFile::load(path.toUtf8());
+                entry && !entry->localeString("Name").isEmpty())
                 title = entry->localeString("Name");
         }
         return SearchResult{title, url, FileIcon{path}};

@@ -39,8 +39,7 @@ struct SectionEntry {
 
 // A line between groups. Never drawn at the top of a menu, so a source can
 // set its first group apart from whatever precedes it.
-struct SeparatorEntry {
-};
+struct SeparatorEntry { };
 
 // An item that acts on Quillon itself ("Clear Menu").
 struct CommandEntry {

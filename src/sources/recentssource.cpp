@@ -12,7 +12,9 @@ namespace {
 class RecentsSource final : public ContentSource
 {
 public:
-    RecentsSource(const SourceContext &context, const ContentSources &sources) : m_context(context), m_sources(sources)
+    RecentsSource(const SourceContext &context, const ContentSources &sources)
+        : m_context(context)
+        , m_sources(sources)
     {
     }
 

@@ -8,7 +8,10 @@ namespace {
 class ShortcutFolderSource final : public ContentSource
 {
 public:
-    explicit ShortcutFolderSource(const SourceContext &context) : m_context(context) {}
+    explicit ShortcutFolderSource(const SourceContext &context)
+        : m_context(context)
+    {
+    }
 
     MenuSource::Case kind() const override { return MenuSource::Case::ShortcutFolder; }
     QString title(const MenuSource &source) const override { return source.shortcutRef()->name; }

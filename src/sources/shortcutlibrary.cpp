@@ -40,9 +40,16 @@ size_t qHash(const ShortcutLibrary::Folder &folder, size_t seed) noexcept
     return qHashMulti(seed, folder.ref, folder.shortcuts);
 }
 
-ShortcutLibrary::ShortcutLibrary(QObject *parent) : ShortcutLibrary(QString(), parent) {}
+ShortcutLibrary::ShortcutLibrary(QObject *parent)
+    : ShortcutLibrary(QString(), parent)
+{
+}
 
-ShortcutLibrary::ShortcutLibrary(const QString &toolPath, QObject *parent) : QObject(parent), m_toolPath(toolPath) {}
+ShortcutLibrary::ShortcutLibrary(const QString &toolPath, QObject *parent)
+    : QObject(parent)
+    , m_toolPath(toolPath)
+{
+}
 
 ShortcutLibrary::~ShortcutLibrary()
 {
@@ -202,7 +209,8 @@ void ShortcutLibrary::runTool(const QStringList &arguments, std::function<void(c
         // The deadline stops counting only when it has fired.
         if (!deadline->isActive()) {
             const auto limit = QString::number(m_toolTimeout.count());
-            return report(ToolRunError{QStringLiteral("shortcuts did not finish within %1 ms and was stopped").arg(limit)});
+            return report(
+                ToolRunError{QStringLiteral("shortcuts did not finish within %1 ms and was stopped").arg(limit)});
         }
         if (status != 0)
             return report(ToolError{status});
@@ -235,7 +243,8 @@ void ShortcutLibrary::launch(const QString &id)
     connect(process, &QProcess::errorOccurred, process, [process, id](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart)
             return;
-        qCWarning(lcSources, "Shortcut %s could not run: %s", qUtf8Printable(id), qUtf8Printable(process->errorString()));
+        qCWarning(lcSources, "Shortcut %s could not run: %s", qUtf8Printable(id),
+                  qUtf8Printable(process->errorString()));
         process->deleteLater();
     });
     process->start();

@@ -8,7 +8,10 @@ namespace {
 class ShortcutSource final : public ContentSource
 {
 public:
-    explicit ShortcutSource(const SourceContext &context) : m_context(context) {}
+    explicit ShortcutSource(const SourceContext &context)
+        : m_context(context)
+    {
+    }
 
     MenuSource::Case kind() const override { return MenuSource::Case::Shortcut; }
     QString title(const MenuSource &source) const override { return source.shortcutRef()->name; }

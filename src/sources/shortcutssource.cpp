@@ -11,7 +11,10 @@ namespace {
 class ShortcutsSource final : public ContentSource
 {
 public:
-    explicit ShortcutsSource(const SourceContext &context) : m_context(context) {}
+    explicit ShortcutsSource(const SourceContext &context)
+        : m_context(context)
+    {
+    }
 
     MenuSource::Case kind() const override { return MenuSource::Case::Shortcuts; }
     QString title(const MenuSource &) const override { return shortcutsTitle(); }
@@ -44,7 +47,10 @@ private:
     class Search final : public SourceSearch
     {
     public:
-        explicit Search(const SourceContext &context) : m_context(context) {}
+        explicit Search(const SourceContext &context)
+            : m_context(context)
+        {
+        }
 
         QList<SearchResult> results(const TextMatcher &matcher, int limit) override
         {

@@ -9,10 +9,9 @@ QString applicationsTitle(SystemStrings &strings)
 {
     // GNOME Settings carries the desktop's word for applications; elsewhere
     // our own translation of it stands in.
-    return strings.resolve(
-        QStringLiteral("Applications"),
-        StringRef{QStringLiteral("/usr/share/locale/%l/LC_MESSAGES/gnome-control-center-2.0.mo"),
-                  QStringLiteral("Applications")});
+    return strings.resolve(QStringLiteral("Applications"),
+                           StringRef{QStringLiteral("/usr/share/locale/%l/LC_MESSAGES/gnome-control-center-2.0.mo"),
+                                     QStringLiteral("Applications")});
 }
 
 QString shortcutsTitle()

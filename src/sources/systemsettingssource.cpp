@@ -10,7 +10,10 @@ namespace {
 class SystemSettingsSource final : public ContentSource
 {
 public:
-    explicit SystemSettingsSource(const SourceContext &context) : m_context(context) {}
+    explicit SystemSettingsSource(const SourceContext &context)
+        : m_context(context)
+    {
+    }
 
     MenuSource::Case kind() const override { return MenuSource::Case::SystemSettings; }
     QString title(const MenuSource &) const override { return m_context.strings.text(SystemString::SystemSettings); }
@@ -55,7 +58,10 @@ private:
     class Search final : public SourceSearch
     {
     public:
-        explicit Search(const SourceContext &context) : m_context(context) {}
+        explicit Search(const SourceContext &context)
+            : m_context(context)
+        {
+        }
 
         QList<SearchResult> results(const TextMatcher &matcher, int limit) override
         {

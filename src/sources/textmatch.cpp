@@ -14,8 +14,8 @@ QString caseFolded(const QString &text)
     UErrorCode status = U_ZERO_ERROR;
     const auto *source = reinterpret_cast<const UChar *>(text.utf16());
     QVarLengthArray<UChar, 128> folded(text.size() * 3 + 1);
-    const int32_t length =
-        u_strFoldCase(folded.data(), int32_t(folded.size()), source, int32_t(text.size()), U_FOLD_CASE_DEFAULT, &status);
+    const int32_t length = u_strFoldCase(folded.data(), int32_t(folded.size()), source, int32_t(text.size()),
+                                         U_FOLD_CASE_DEFAULT, &status);
     if (U_FAILURE(status))
         return text.toCaseFolded();
     return QString(reinterpret_cast<const QChar *>(folded.constData()), length);

@@ -1,5 +1,5 @@
-#include "platform/loginitem.h"
 #include "app/singleinstance.h"
+#include "platform/loginitem.h"
 
 #include <QDBusConnection>
 #include <QProcess>

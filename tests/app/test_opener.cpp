@@ -1,9 +1,9 @@
-#include "platform/opener.h"
 #include "config/urls.h"
-#include "platform/giolauncher.h"
-#include "platform/settingscommand.h"
 #include "fakelauncher.h"
 #include "fixtures.h"
+#include "platform/giolauncher.h"
+#include "platform/opener.h"
+#include "platform/settingscommand.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -22,23 +22,29 @@ private Q_SLOTS:
     {
         QTest::addColumn<QUrl>("url");
         QTest::addColumn<QString>("call");
-        QTest::newRow("application") << QUrl(QStringLiteral("file:///usr/share/applications/org.gnome.Terminal.desktop"))
+        QTest::newRow("application") << QUrl(
+            QStringLiteral("file:///usr/share/applications/org.gnome.Terminal.desktop"))
                                      << "launch /usr/share/applications/org.gnome.Terminal.desktop";
         QTest::newRow("application via localhost")
             << QUrl(QStringLiteral("file://localhost/usr/share/applications/gimp.desktop"))
             << "launch /usr/share/applications/gimp.desktop";
-        QTest::newRow("text file") << QUrl(QStringLiteral("file:///home/u/notes.txt")) << "default file:///home/u/notes.txt";
+        QTest::newRow("text file") << QUrl(QStringLiteral("file:///home/u/notes.txt"))
+                                   << "default file:///home/u/notes.txt";
         QTest::newRow("folder") << QUrl(QStringLiteral("file:///home/u/Music/")) << "default file:///home/u/Music/";
-        QTest::newRow("web") << QUrl(QStringLiteral("https://example.org/a?b=1")) << "default https://example.org/a?b=1";
-        QTest::newRow("gnome panel") << QUrl(QStringLiteral("settings://gnome/wifi")) << "start gnome-control-center|wifi";
+        QTest::newRow("web") << QUrl(QStringLiteral("https://example.org/a?b=1"))
+                             << "default https://example.org/a?b=1";
+        QTest::newRow("gnome panel") << QUrl(QStringLiteral("settings://gnome/wifi"))
+                                     << "start gnome-control-center|wifi";
         QTest::newRow("gnome sub-page") << QUrl(QStringLiteral("settings://gnome/online-accounts/add/google"))
                                         << "start gnome-control-center|online-accounts|add|google";
-        QTest::newRow("gnome settings alone") << QUrl(QStringLiteral("settings://gnome")) << "start gnome-control-center";
-        QTest::newRow("kde module") << QUrl(QStringLiteral("settings://kde/kcm_kscreen")) << "start systemsettings|kcm_kscreen";
+        QTest::newRow("gnome settings alone")
+            << QUrl(QStringLiteral("settings://gnome")) << "start gnome-control-center";
+        QTest::newRow("kde module") << QUrl(QStringLiteral("settings://kde/kcm_kscreen"))
+                                    << "start systemsettings|kcm_kscreen";
         QTest::newRow("kde tab") << QUrl(QStringLiteral("settings://kde/kcm_keyboard/--tab=layouts"))
                                  << "start systemsettings|kcm_keyboard|--args|--tab=layouts";
-        QTest::newRow("shortcut URL without id") << QUrl(QStringLiteral("shortcuts://run-shortcut"))
-                                                 << "default shortcuts://run-shortcut";
+        QTest::newRow("shortcut URL without id")
+            << QUrl(QStringLiteral("shortcuts://run-shortcut")) << "default shortcuts://run-shortcut";
     }
 
     void eachKindOfURLGoesToItsOwnPlace()
@@ -87,7 +93,8 @@ private Q_SLOTS:
         const QString entry = dir.filePath(QStringLiteral("marker.desktop"));
         QFile file(entry);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QStringLiteral("[Desktop Entry]\nType=Application\nName=Marker\nExec=touch %1\n").arg(marker).toUtf8());
+        file.write(
+            QStringLiteral("[Desktop Entry]\nType=Application\nName=Marker\nExec=touch %1\n").arg(marker).toUtf8());
         file.close();
 
         GioLauncher launcher;

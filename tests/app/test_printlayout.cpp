@@ -48,7 +48,9 @@ private Q_SLOTS:
         QTemporaryDir home;
         {
             QSettings settings(home.filePath(QStringLiteral("Quillon/Quillon.conf")), QSettings::IniFormat);
-            settings.setValue(QStringLiteral("MenuState"), QStringLiteral(JSON({
+            settings.setValue(
+                QStringLiteral("MenuState"),
+                QStringLiteral(JSON({
                 "layout": [
                     {"source": {"shortcuts": {}}, "style": "hidden"},
                     {"source": {"separator": {"_0": "00000000-0000-4000-8000-0000000000C0"}}, "style": "inline"},
@@ -61,15 +63,15 @@ private Q_SLOTS:
             })));
         }
         QCOMPARE(printLayout(home.path()),
-                 QStringLiteral(
-                     "hidden\t{\"shortcuts\":{}}\n"
-                     "inline\t{\"separator\":{\"_0\":\"00000000-0000-4000-8000-0000000000C0\"}}\n"
-                     "inline\t{\"folder\":{\"_0\":\"00000000-0000-4000-8000-0000000000F0\"}}\n"
-                     "submenu\t{\"applications\":{}}\n"
-                     "submenu\t{\"systemSettings\":{}}\n"
-                     "submenu\t{\"recents\":{}}\n"
-                     "submenu\t{\"customMenu\":{\"_0\":\"00000000-0000-4000-8000-00000000000A\"}}\n"
-                     "inline\t{\"shortcut\":{\"_0\":{\"id\":\"A1B2C3D4-0000-4000-8000-000000000001\",\"name\":\"Backup\"}}}\n"));
+                 QStringLiteral("hidden\t{\"shortcuts\":{}}\n"
+                                "inline\t{\"separator\":{\"_0\":\"00000000-0000-4000-8000-0000000000C0\"}}\n"
+                                "inline\t{\"folder\":{\"_0\":\"00000000-0000-4000-8000-0000000000F0\"}}\n"
+                                "submenu\t{\"applications\":{}}\n"
+                                "submenu\t{\"systemSettings\":{}}\n"
+                                "submenu\t{\"recents\":{}}\n"
+                                "submenu\t{\"customMenu\":{\"_0\":\"00000000-0000-4000-8000-00000000000A\"}}\n"
+                                "inline\t{\"shortcut\":{\"_0\":{\"id\":\"A1B2C3D4-0000-4000-8000-000000000001\","
+                                "\"name\":\"Backup\"}}}\n"));
     }
 
     void theMenuFollowsTheConfiguration()
@@ -79,32 +81,40 @@ private Q_SLOTS:
         QFile(home.filePath(QStringLiteral("Reports/Q3 figures.ods"))).open(QIODevice::WriteOnly);
         {
             QSettings settings(home.filePath(QStringLiteral("Quillon/Quillon.conf")), QSettings::IniFormat);
-            settings.setValue(QStringLiteral("MenuState"), QStringLiteral(JSON({
+            settings.setValue(
+                QStringLiteral("MenuState"),
+                QStringLiteral(
+                    JSON({
                 "layout": [
                     {"source": {"applications": {}}, "style": "hidden"},
                     {"source": {"folder": {"_0": "00000000-0000-4000-8000-0000000000F0"}}, "style": "inline"}
                 ],
                 "menus": [{"id": "00000000-0000-4000-8000-00000000000A", "name": "Network", "urls": ["settings://gnome/bluetooth", "settings://gnome/wifi"]}],
                 "folders": [{"id": "00000000-0000-4000-8000-0000000000F0", "url": "REPORTS", "sort": "name"}]
-            })).replace(QStringLiteral("REPORTS"), QUrl::fromLocalFile(home.filePath(QStringLiteral("Reports/"))).toString()));
+            }))
+                            .replace(QStringLiteral("REPORTS"),
+                                     QUrl::fromLocalFile(home.filePath(QStringLiteral("Reports/"))).toString()));
         }
         const QString menu = printLayout(home.path(), {QStringLiteral("--print-menu")}, QStringLiteral("de"));
         const QStringList lines = menu.split(QLatin1Char('\n'));
-        QCOMPARE(lines.at(2), QStringLiteral("Q3 figures.ods  <%1>")
-                                  .arg(QUrl::fromLocalFile(home.filePath(QStringLiteral("Reports/Q3 figures.ods"))).toString()));
+        QCOMPARE(lines.at(2),
+                 QStringLiteral("Q3 figures.ods  <%1>")
+                     .arg(QUrl::fromLocalFile(home.filePath(QStringLiteral("Reports/Q3 figures.ods"))).toString()));
         // Hidden: no top-level Applications submenu.
         QVERIFY2(!lines.contains(QStringLiteral("Anwendungen  ▸")), qPrintable(menu));
         // The custom menu keeps its own order, in German when GNOME's texts are there.
         const qsizetype network = lines.indexOf(QStringLiteral("Network  ▸"));
         QVERIFY2(network > 0, qPrintable(menu));
-        const bool german = QFile::exists(QStringLiteral("/usr/share/locale/de/LC_MESSAGES/gnome-control-center-2.0.mo"));
+        const bool german =
+            QFile::exists(QStringLiteral("/usr/share/locale/de/LC_MESSAGES/gnome-control-center-2.0.mo"));
         QCOMPARE(lines.at(network + 1), QStringLiteral("  Bluetooth  <settings://gnome/bluetooth>"));
         QCOMPARE(lines.at(network + 2), german ? QStringLiteral("  WLAN  <settings://gnome/wifi>")
                                                : QStringLiteral("  Wi-Fi  <settings://gnome/wifi>"));
 
         const QString search = printLayout(home.path(), {QStringLiteral("--search"), QStringLiteral("figures")});
-        QCOMPARE(search, QStringLiteral("Reports\n  Q3 figures.ods  <%1>\n")
-                             .arg(QUrl::fromLocalFile(home.filePath(QStringLiteral("Reports/Q3 figures.ods"))).toString()));
+        QCOMPARE(search,
+                 QStringLiteral("Reports\n  Q3 figures.ods  <%1>\n")
+                     .arg(QUrl::fromLocalFile(home.filePath(QStringLiteral("Reports/Q3 figures.ods"))).toString()));
     }
 };
 

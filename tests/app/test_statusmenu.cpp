@@ -1,7 +1,6 @@
 #include "app/lazymenu.h"
 #include "app/menuicon.h"
 #include "app/menuprinter.h"
-#include "platform/opener.h"
 #include "app/statusmenu.h"
 #include "app/statusmenucontroller.h"
 #include "app/updates.h"
@@ -9,9 +8,10 @@
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
-#include "faketray.h"
 #include "fakelauncher.h"
+#include "faketray.h"
 #include "fixtures.h"
+#include "platform/opener.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QLineEdit>
@@ -68,8 +68,8 @@ private Q_SLOTS:
     {
         m_menu.reset();
         m_store.reset();
-        m_preferences = std::make_unique<Preferences>(
-            m_dir.filePath(QStringLiteral("%1.conf").arg(QTest::currentTestFunction())));
+        m_preferences =
+            std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("%1.conf").arg(QTest::currentTestFunction())));
         m_store = std::make_unique<MenuStore>(*m_preferences);
         m_updates = std::make_unique<Updates>(*m_preferences, QUrl(), QStringLiteral("1.0"));
         m_launcher.calls.clear();
@@ -85,8 +85,8 @@ private Q_SLOTS:
         QCOMPARE(items.at(1), QStringLiteral("---"));
         QVERIFY(items.at(2).startsWith(QStringLiteral("Applications")));
         QVERIFY(items.at(3).startsWith(QStringLiteral("System Settings")));
-        QCOMPARE(items.mid(items.size() - 6),
-                 (QStringList{"About Quillon", "Check for Updates…", "Send Feedback…", "Settings…", "---", "Quit Quillon"}));
+        QCOMPARE(items.mid(items.size() - 6), (QStringList{"About Quillon", "Check for Updates…", "Send Feedback…",
+                                                           "Settings…", "---", "Quit Quillon"}));
         QCOMPARE(m_menu->menu()->actions().last()->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
 
         m_preferences->setValue(QStringLiteral("ShowSearch"), false);
@@ -124,7 +124,8 @@ private Q_SLOTS:
         m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("vanished/"))));
         m_menu->rebuild();
         const QString text = menuText(m_menu->menu(), 1);
-        QVERIFY2(text.contains(QStringLiteral("\nWi-Fi  <settings://gnome/wifi>\nBluetooth  <settings://gnome/bluetooth>\n")),
+        QVERIFY2(text.contains(
+                     QStringLiteral("\nWi-Fi  <settings://gnome/wifi>\nBluetooth  <settings://gnome/bluetooth>\n")),
                  qPrintable(text));
         QVERIFY(text.contains(QStringLiteral("\nBluetooth  <settings://gnome/bluetooth>\n---\nClear Menu\n")));
         QVERIFY(text.contains(QStringLiteral("vanished  (disabled)  ▸")));
@@ -134,7 +135,12 @@ private Q_SLOTS:
     {
         int fills = 0;
         QMenu parent;
-        auto *lazy = new LazyMenu([&](QMenu *m) { ++fills; Q_UNUSED(m); }, QStringLiteral("No Items"), &parent);
+        auto *lazy = new LazyMenu(
+            [&](QMenu *m) {
+                ++fills;
+                Q_UNUSED(m);
+            },
+            QStringLiteral("No Items"), &parent);
         lazy->fillIfNeeded();
         lazy->fillIfNeeded();
         Q_EMIT lazy->aboutToShow();
@@ -152,14 +158,17 @@ private Q_SLOTS:
         m_menu->setSearchText(QStringLiteral("   "));
         QVERIFY(shown().at(2).startsWith(QStringLiteral("Applications")));
         m_menu->setSearchText(QStringLiteral("blue"));
-        QCOMPARE(shown().mid(0, 4), (QStringList{"(search field)", "---", "Bluetooth  <settings://gnome/bluetooth>", "---"}));
+        QCOMPARE(shown().mid(0, 4),
+                 (QStringList{"(search field)", "---", "Bluetooth  <settings://gnome/bluetooth>", "---"}));
         m_menu->setSearchText(QStringLiteral("zzz"));
         QCOMPARE(shown().at(2), QStringLiteral("No Items  (disabled)"));
 
         m_menu->setSearchText(QStringLiteral("i"));
         QLineEdit *field = m_menu->menu()->findChild<QLineEdit *>();
         if (!field)
-            field = qobject_cast<QWidgetAction *>(m_menu->menu()->actions().first())->defaultWidget()->findChild<QLineEdit *>();
+            field = qobject_cast<QWidgetAction *>(m_menu->menu()->actions().first())
+                        ->defaultWidget()
+                        ->findChild<QLineEdit *>();
         QVERIFY(field);
         Q_EMIT field->returnPressed();
         QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("start gnome-control-center|wifi")});
@@ -189,7 +198,8 @@ private Q_SLOTS:
         item->trigger();
         QVERIFY(!updates.hasPendingUpdate());
         menu.rebuild();
-        QCOMPARE(menu.menu()->actions().at(menu.menu()->actions().size() - 5)->text(), QStringLiteral("Check for Updates…"));
+        QCOMPARE(menu.menu()->actions().at(menu.menu()->actions().size() - 5)->text(),
+                 QStringLiteral("Check for Updates…"));
     }
 
     void theTrayIconOpensAndClosesTheMenu()

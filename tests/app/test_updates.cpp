@@ -13,13 +13,15 @@ namespace {
 
 QByteArray feed(const QStringList &versions)
 {
-    QByteArray xml = "<?xml version=\"1.0\"?>\n<rss version=\"2.0\" "
-                     "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><title>Quillon</title>";
+    QByteArray xml =
+        "<?xml version=\"1.0\"?>\n<rss version=\"2.0\" "
+        "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><title>Quillon</title>";
     for (const QString &version : versions) {
-        xml += QStringLiteral("<item><title>Version %1</title><description><![CDATA[<p>Fixes for %1</p>]]></description>"
-                              "<sparkle:releaseNotesLink>https://quillon.app/notes/%1</sparkle:releaseNotesLink>"
-                              "<enclosure url=\"https://quillon.app/download/quillon-%1.tar.gz\" sparkle:version=\"%1\" "
-                              "sparkle:shortVersionString=\"%1 beta\" length=\"1\" type=\"application/octet-stream\"/></item>")
+        xml += QStringLiteral(
+                   "<item><title>Version %1</title><description><![CDATA[<p>Fixes for %1</p>]]></description>"
+                   "<sparkle:releaseNotesLink>https://quillon.app/notes/%1</sparkle:releaseNotesLink>"
+                   "<enclosure url=\"https://quillon.app/download/quillon-%1.tar.gz\" sparkle:version=\"%1\" "
+                   "sparkle:shortVersionString=\"%1 beta\" length=\"1\" type=\"application/octet-stream\"/></item>")
                    .arg(version)
                    .toUtf8();
     }
@@ -88,7 +90,8 @@ private Q_SLOTS:
 
         QVERIFY(!parseAppcast("<rss><channel><item>").ok());
         QVERIFY(!parseAppcast("<html><body>Not found</body></html>").ok());
-        QCOMPARE(parseAppcast("<rss><channel><item><title>no version</title></item></channel></rss>").value().size(), 0);
+        QCOMPARE(parseAppcast("<rss><channel><item><title>no version</title></item></channel></rss>").value().size(),
+                 0);
     }
 
     void aScheduledCheckRaisesTheFlagAndTheUsersCheckClearsIt()

@@ -26,7 +26,9 @@ CatalogEnvironment environment(const QString &root, const QStringList &desktops,
 {
     return {root,
             desktops,
-            {{QStringLiteral("gnome"), QStringLiteral("fake-gnome-settings"), {documents + QStringLiteral("/gnome.metainfo.xml")}},
+            {{QStringLiteral("gnome"),
+              QStringLiteral("fake-gnome-settings"),
+              {documents + QStringLiteral("/gnome.metainfo.xml")}},
              {QStringLiteral("kde"), QStringLiteral("fake-kde-settings"), {QStringLiteral("/nonexistent.xml")}}},
             searchPaths.isEmpty() ? QStringList{QStringLiteral("/nonexistent")} : searchPaths};
 }
@@ -85,15 +87,23 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("files");
         QTest::addColumn<QString>("running");
         QTest::addColumn<QString>("chosen");
-        QTest::newRow("newest not newer") << QStringList{"14.json", "15.json"} << "15.3.1" << "15.json";
-        QTest::newRow("newer skipped") << QStringList{"14.json", "15.4.json"} << "15.3" << "14.json";
-        QTest::newRow("all newer: oldest") << QStringList{"16.json", "15.json"} << "14.6" << "15.json";
-        QTest::newRow("equal names: later listed") << QStringList{"15.0.json", "15.json"} << "15.0.0" << "15.json";
-        QTest::newRow("equal names, other order") << QStringList{"15.json", "15.0.json"} << "15" << "15.0.json";
+        QTest::newRow("newest not newer") << QStringList{"14.json", "15.json"} << "15.3.1"
+                                          << "15.json";
+        QTest::newRow("newer skipped") << QStringList{"14.json", "15.4.json"} << "15.3"
+                                       << "14.json";
+        QTest::newRow("all newer: oldest") << QStringList{"16.json", "15.json"} << "14.6"
+                                           << "15.json";
+        QTest::newRow("equal names: later listed") << QStringList{"15.0.json", "15.json"} << "15.0.0"
+                                                   << "15.json";
+        QTest::newRow("equal names, other order") << QStringList{"15.json", "15.0.json"} << "15"
+                                                  << "15.0.json";
         QTest::newRow("listing order is not version order")
-            << QStringList{"5.100.json", "5.27.json", "5.9.json"} << "5.50" << "5.27.json";
-        QTest::newRow("unknown running: oldest") << QStringList{"46.json", "43.json", "beta.json"} << "" << "43.json";
-        QTest::newRow("names that are not versions") << QStringList{"beta.json", ".json", "README.json"} << "15" << "";
+            << QStringList{"5.100.json", "5.27.json", "5.9.json"} << "5.50"
+            << "5.27.json";
+        QTest::newRow("unknown running: oldest") << QStringList{"46.json", "43.json", "beta.json"} << ""
+                                                 << "43.json";
+        QTest::newRow("names that are not versions") << QStringList{"beta.json", ".json", "README.json"} << "15"
+                                                     << "";
     }
 
     void documentChoice()
@@ -158,7 +168,8 @@ private Q_SLOTS:
 
     void fullDocumentDecodes()
     {
-        const auto decoded = decodeCatalog(JSON({
+        const auto decoded = decodeCatalog(
+            JSON({
             "osVersion": "43.6", "sections": [["wifi", "missing"]], "extra": true,
             "strings": {"clearMenu": {"table": "/t/%l/x.mo", "key": "Clear"}, "search": null},
             "panes": [{
@@ -206,24 +217,23 @@ private Q_SLOTS:
         QTest::addColumn<QString>("error");
         QTest::newRow("syntax") << QByteArray("{\"osVersion\": ") << QString();
         QTest::newRow("top level array") << QByteArray("[]") << QStringLiteral("expected a catalog object");
-        QTest::newRow("osVersion first")
-            << QByteArray(JSON({"sections": 1, "panes": 2})) << QStringLiteral("missing key \"osVersion\"");
+        QTest::newRow("osVersion first") << QByteArray(JSON({"sections": 1, "panes": 2}))
+                                                       << QStringLiteral("missing key \"osVersion\"");
         QTest::newRow("pane without sections")
             << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a"}]}))
-            << QStringLiteral("\"panes\": [0]: pane \"a\": missing key \"sections\"");
-        QTest::newRow("unknown kind")
-            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a",
+                                << QStringLiteral("\"panes\": [0]: pane \"a\": missing key \"sections\"");
+        QTest::newRow("unknown kind") << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a",
                 "sections": [{"items": [{"label": "L", "kind": "window", "url": "x:b"}]}]}]}))
-            << QStringLiteral("\"panes\": [0]: pane \"a\": \"sections\": [0]: \"items\": [0]: \"kind\": unknown Kind \"window\"");
-        QTest::newRow("bad url")
-            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "http://exa mple.org", "sections": []}]}))
-            << QStringLiteral("\"panes\": [0]: pane \"a\": \"url\": expected a URL string");
-        QTest::newRow("number as text")
-            << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a", "sections": [], "symbolSize": "12"}]}))
-            << QStringLiteral("\"panes\": [0]: pane \"a\": \"symbolSize\": expected a number");
+             << QStringLiteral(
+                    "\"panes\": [0]: pane \"a\": \"sections\": [0]: \"items\": [0]: \"kind\": unknown Kind \"window\"");
+        QTest::newRow("bad url") << QByteArray(
+            JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "http://exa mple.org", "sections": []}]}))
+                  << QStringLiteral("\"panes\": [0]: pane \"a\": \"url\": expected a URL string");
+        QTest::newRow("number as text") << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [{"id": "a", "name": "A", "url": "x:a", "sections": [], "symbolSize": "12"}]}))
+             << QStringLiteral("\"panes\": [0]: pane \"a\": \"symbolSize\": expected a number");
         QTest::newRow("string reference without key")
             << QByteArray(JSON({"osVersion": "1", "sections": [], "panes": [], "strings": {"add": {"table": "t"}}}))
-            << QStringLiteral("\"strings\": \"add\": missing key \"key\"");
+                                << QStringLiteral("\"strings\": \"add\": missing key \"key\"");
     }
 
     void badDocumentsFail()

@@ -103,7 +103,8 @@ private Q_SLOTS:
 
     void descendantsOfACycleEnd()
     {
-        auto decoded = decodeCatalog(JSON({"osVersion": "1", "sections": [], "panes": [
+        auto decoded = decodeCatalog(
+            JSON({"osVersion": "1", "sections": [], "panes": [
             {"id": "a", "name": "A", "url": "x:a", "sections": [], "children": [["b"]]},
             {"id": "b", "name": "B", "url": "x:b", "sections": [], "children": [["a"]]}]}));
         QVERIFY(decoded.ok());
@@ -120,7 +121,8 @@ private Q_SLOTS:
         QTest::newRow("pane and its item") << QList<QUrl>{url("x:leaf"), url("x:l1")} << "top(mid(leaf*[L1]))";
         QTest::newRow("items in picked order") << QList<QUrl>{url("x:l2"), url("x:l1")} << "top(mid(leaf[L2,L1]))";
         QTest::newRow("unknown URLs") << QList<QUrl>{url("file:///tmp"), url("x:nowhere")} << "";
-        QTest::newRow("roots in first-made order") << QList<QUrl>{url("x:solo"), url("x:mid")} << "solo[Same] top(mid*)";
+        QTest::newRow("roots in first-made order")
+            << QList<QUrl>{url("x:solo"), url("x:mid")} << "solo[Same] top(mid*)";
         QTest::newRow("children in first-made order")
             << QList<QUrl>{url("x:l1"), url("x:top")} << "top*(mid(leaf[L1]))";
         QTest::newRow("pane URL hidden by a later pane") << QList<QUrl>{url("x:t1")} << "later*";

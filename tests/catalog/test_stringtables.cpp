@@ -45,7 +45,8 @@ struct MoImage {
         image.setWord(12, quint32(originals));
         image.setWord(16, quint32(translations));
         for (qsizetype i = 0; i < entries.size(); ++i) {
-            for (const auto &[table, text] : {std::pair{originals, entries[i].first}, {translations, entries[i].second}}) {
+            for (const auto &[table, text] :
+                 {std::pair{originals, entries[i].first}, {translations, entries[i].second}}) {
                 image.setWord(table + i * 8, quint32(text.size()));
                 image.setWord(table + i * 8 + 4, quint32(image.data.size()));
                 image.data.append(text).append('\0');
@@ -96,7 +97,8 @@ private Q_SLOTS:
     void moReaderTakesBothByteOrders()
     {
         for (const bool bigEndian : {false, true}) {
-            const auto image = MoImage::make({{"", "header"}, {"Blue", "Blau"}, {"One\0Many", "Eins\0Viele"}}, bigEndian);
+            const auto image =
+                MoImage::make({{"", "header"}, {"Blue", "Blau"}, {"One\0Many", "Eins\0Viele"}}, bigEndian);
             const auto table = parseMoCatalog(image.data);
             QVERIFY2(table.ok(), qPrintable(table.error()));
             QCOMPARE(table.value(), (StringTable{{"Blue", "Blau"}, {"One", "Eins"}}));
@@ -179,7 +181,8 @@ private Q_SLOTS:
     {
         const auto german = loadStringTable(desktopFixture, {"de_CH"});
         QVERIFY2(german.ok(), qPrintable(german.error()));
-        QCOMPARE(*german.value(), (StringTable{{"Name", "Anzeige-Einrichtung"}, {"Comment", "Bildschirme\nverwalten"}}));
+        QCOMPARE(*german.value(),
+                 (StringTable{{"Name", "Anzeige-Einrichtung"}, {"Comment", "Bildschirme\nverwalten"}}));
         QCOMPARE(loadStringTable(desktopFixture, {"pt_BR"}).value()->value(QStringLiteral("Name")),
                  QStringLiteral("Configuração do Monitor"));
         // Localizations of other groups do not count.
@@ -200,7 +203,8 @@ private Q_SLOTS:
         QVERIFY(none.ok());
         QVERIFY(!none.value());
         QVERIFY(!loadStringTable(QStringLiteral("/nonexistent/%l/x.mo"), {"de"}).ok());
-        QVERIFY(!loadStringTable(QStringLiteral(FIXTURE_LOCALE_DIR "/x%l/LC_MESSAGES/quillon-fixture.mo"), {"de"}).ok());
+        QVERIFY(
+            !loadStringTable(QStringLiteral(FIXTURE_LOCALE_DIR "/x%l/LC_MESSAGES/quillon-fixture.mo"), {"de"}).ok());
     }
 
     void unreadableTablesAreLoggedOnce()
@@ -214,10 +218,9 @@ private Q_SLOTS:
         const QString table = dir.path() + QStringLiteral("/%l/LC_MESSAGES/broken.mo");
 
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        QTest::ignoreMessage(QtWarningMsg,
-                             qPrintable(QStringLiteral("System string table %1 could not be read: %2: "
-                                                       "not a message catalog (bad magic number)")
-                                            .arg(table, broken.fileName())));
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(QStringLiteral("System string table %1 could not be read: %2: "
+                                                                     "not a message catalog (bad magic number)")
+                                                          .arg(table, broken.fileName())));
         SystemStrings strings(std::nullopt, {"de"});
         const StringRef ref{table, QStringLiteral("Blue")};
         // The fallback still goes through the own translation.
@@ -225,7 +228,8 @@ private Q_SLOTS:
         // The failure is remembered: no second read, no second log line,
         // even once the file has become readable.
         QVERIFY(broken.remove());
-        QVERIFY(QFile::copy(QStringLiteral(FIXTURE_LOCALE_DIR "/de/LC_MESSAGES/quillon-fixture.mo"), broken.fileName()));
+        QVERIFY(
+            QFile::copy(QStringLiteral(FIXTURE_LOCALE_DIR "/de/LC_MESSAGES/quillon-fixture.mo"), broken.fileName()));
         QVERIFY(!strings.table(table));
         QCOMPARE(strings.resolve(QStringLiteral("Red"), ref), QStringLiteral("Rot"));
     }

@@ -44,12 +44,10 @@ private Q_SLOTS:
         QTest::newRow("folder") << MenuSource::folder(someId)
                                 << QByteArray(JSON({"folder":{"_0":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B"}}));
         QTest::newRow("shortcuts") << MenuSource::shortcuts() << QByteArray(JSON({"shortcuts":{}}));
-        QTest::newRow("shortcutFolder")
-            << MenuSource::shortcutFolder(ref)
-            << QByteArray(JSON({"shortcutFolder":{"_0":{"id":"A1B2C3D4-0000-4000-8000-000000000001","name":"Backup"}}}));
-        QTest::newRow("shortcut")
-            << MenuSource::shortcut(ref)
-            << QByteArray(JSON({"shortcut":{"_0":{"id":"A1B2C3D4-0000-4000-8000-000000000001","name":"Backup"}}}));
+        QTest::newRow("shortcutFolder") << MenuSource::shortcutFolder(ref)
+                                        << QByteArray(JSON({"shortcutFolder":{"_0":{"id":"A1B2C3D4-0000-4000-8000-000000000001","name":"Backup"}}}));
+        QTest::newRow("shortcut") << MenuSource::shortcut(
+            ref) << QByteArray(JSON({"shortcut":{"_0":{"id":"A1B2C3D4-0000-4000-8000-000000000001","name":"Backup"}}}));
         QTest::newRow("recents") << MenuSource::recents() << QByteArray(JSON({"recents":{}}));
         QTest::newRow("separator") << MenuSource::separator(someId)
                                    << QByteArray(JSON({"separator":{"_0":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B"}}));
@@ -71,7 +69,8 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QString>("error");
         const QString keys = QStringLiteral("Invalid number of keys found, expected one.");
-        QTest::newRow("two cases") << QByteArray(JSON({"folder":{"_0":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B"},"recents":{}})) << keys;
+        QTest::newRow("two cases") << QByteArray(
+            JSON({"folder":{"_0":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B"},"recents":{}})) << keys;
         QTest::newRow("no case") << QByteArray(JSON({})) << keys;
         QTest::newRow("unknown case") << QByteArray(JSON({"trash":{}})) << keys;
         QTest::newRow("missing payload") << QByteArray(JSON({"folder":{}})) << QString();
@@ -107,15 +106,16 @@ private Q_SLOTS:
     {
         const QString id = QStringLiteral("A1B2C3D4-0000-4000-8000-000000000001");
         QVERIFY(MenuSource::shortcut({id, QStringLiteral("One")}) != MenuSource::shortcut({id, QStringLiteral("Two")}));
-        QVERIFY(MenuSource::shortcut({id, QStringLiteral("One")}) != MenuSource::shortcutFolder({id, QStringLiteral("One")}));
+        QVERIFY(MenuSource::shortcut({id, QStringLiteral("One")})
+                != MenuSource::shortcutFolder({id, QStringLiteral("One")}));
     }
 
     void recordsDecodeTheirRequiredAndOptionalKeys()
     {
         // A custom menu without its optional keys reads them as absent and
         // writes them back out not at all.
-        const auto menu = decode<CustomMenu>(json(
-            JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","name":"Work","urls":["file:///usr/share/applications/org.gnome.Nautilus.desktop","settings://gnome/wifi"]})));
+        const auto menu = decode<CustomMenu>(
+            json(JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","name":"Work","urls":["file:///usr/share/applications/org.gnome.Nautilus.desktop","settings://gnome/wifi"]})));
         QVERIFY2(menu.ok(), qPrintable(menu.error()));
         QVERIFY(!menu.value().groupOrder && !menu.value().symbol && !menu.value().color);
         QCOMPARE(encode(menu.value()).keys(), (QStringList{"id", "name", "urls"}));
@@ -129,20 +129,22 @@ private Q_SLOTS:
         QCOMPARE(again.value(), full);
 
         QVERIFY(!decode<CustomMenu>(json(JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","name":"Work"}))).ok());
-        QVERIFY(!decode<CustomMenu>(json(
-            JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","name":"W","urls":[],"color":"teal"}))).ok());
+        QVERIFY(!decode<CustomMenu>(
+            json(JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","name":"W","urls":[],"color":"teal"}))).ok());
         QVERIFY(!decode<LayoutEntry>(json(JSON({"source":{"recents":{}},"style":"colapsed"}))).ok());
         QVERIFY(!decode<LayoutEntry>(json(JSON({"source":{"recents":{}}}))).ok());
-        QVERIFY(!decode<FolderSource>(json(JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","url":"","sort":"name"}))).ok());
-        const auto folder = decode<FolderSource>(
-            json(JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","url":"file:///home/u/Downloads/","sort":"dateAdded"})));
+        QVERIFY(!decode<FolderSource>(
+            json(JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","url":"","sort":"name"}))).ok());
+        const auto folder = decode<FolderSource>(json(
+            JSON({"id":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B","url":"file:///home/u/Downloads/","sort":"dateAdded"})));
         QVERIFY(folder.ok());
         QCOMPARE(folder.value().sort, FolderSort::DateAdded);
     }
 
     void oneBadValueFailsTheWholeState()
     {
-        const QByteArray good = JSON({"layout":[{"source":{"recents":{}},"style":"hidden"}],"recentsLimit":7,"menus":null});
+        const QByteArray good =
+            JSON({"layout":[{"source":{"recents":{}},"style":"hidden"}],"recentsLimit":7,"menus":null});
         const auto state = decodeMenuState(good);
         QVERIFY2(state.ok(), qPrintable(state.error()));
         QCOMPARE(state.value().recentsLimit, 7);
@@ -159,20 +161,22 @@ private Q_SLOTS:
                  JSON({"menus":{}}),
                  JSON([1,2,3]),
                  JSON({"layout":[),
-             }) {
-            QVERIFY2(!decodeMenuState(bad).ok(), bad);
-        }
+             })
+                 {
+                     QVERIFY2(!decodeMenuState(bad).ok(), bad);
+                 }
     }
 
     void dragsCarryTheSourceAsJson()
     {
-        const DraggedSource dragged{MenuSource::folder(someId)};
-        QCOMPARE(dragData(dragged), QByteArray(JSON({"source":{"folder":{"_0":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B"}}})));
-        QCOMPARE(draggedSource(dragData(dragged)).value(), dragged);
-        QVERIFY(!draggedSource("garbage").ok());
-        QCOMPARE(QLatin1String(DraggedSource::mimeType), QLatin1String("application/x-quillon-menu-source"));
+            const DraggedSource dragged{MenuSource::folder(someId)};
+            QCOMPARE(dragData(dragged),
+                     QByteArray(JSON({"source":{"folder":{"_0":"6F1C2A3B-4D5E-4F60-8A7B-9C0D1E2F3A4B"}}})));
+            QCOMPARE(draggedSource(dragData(dragged)).value(), dragged);
+            QVERIFY(!draggedSource("garbage").ok());
+            QCOMPARE(QLatin1String(DraggedSource::mimeType), QLatin1String("application/x-quillon-menu-source"));
     }
-};
+    };
 
-QTEST_GUILESS_MAIN(TestLayoutCodec)
+    QTEST_GUILESS_MAIN(TestLayoutCodec)
 #include "test_layoutcodec.moc"

@@ -1,8 +1,8 @@
 #include "config/menustate.h"
-#include "jsontext.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "config/urls.h"
+#include "jsontext.h"
 
 #include <QSettings>
 #include <QSignalSpy>
@@ -148,8 +148,7 @@ private Q_SLOTS:
     void unreadableStateStartsFromDefaultsSilently_data()
     {
         QTest::addColumn<QVariant>("menuState");
-        QTest::newRow("unknown style") << QVariant(QStringLiteral(
-            JSON({"layout":[{"source":{"recents":{}},"style":"hidden"},{"source":{"shortcuts":{}},"style":"folded"}]})));
+        QTest::newRow("unknown style") << QVariant(QStringLiteral(JSON({"layout":[{"source":{"recents":{}},"style":"hidden"},{"source":{"shortcuts":{}},"style":"folded"}]})));
         QTest::newRow("wrong type") << QVariant(QStringLiteral(JSON({"menus":"Work"})));
         QTest::newRow("truncated") << QVariant(QStringLiteral("{\"layout\":[{\"source\":{\"rec"));
         QTest::newRow("not json") << QVariant(QStringLiteral("@@@ this is not a menu @@@"));
@@ -164,7 +163,8 @@ private Q_SLOTS:
     {
         QFETCH(QVariant, menuState);
         store(QStringLiteral("MenuState"), menuState);
-        store(QStringLiteral("Recents"), QStringList{"file:///home/u/a.txt", "", "http://[broken", "settings://kde/kcm_kscreen"});
+        store(QStringLiteral("Recents"),
+              QStringList{"file:///home/u/a.txt", "", "http://[broken", "settings://kde/kcm_kscreen"});
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
         Preferences preferences(m_path);
         MenuStore store(preferences);
@@ -177,7 +177,8 @@ private Q_SLOTS:
 
     void handWrittenStateIsDerivedInOrder()
     {
-        store(QStringLiteral("MenuState"), QStringLiteral(JSON({
+        store(QStringLiteral("MenuState"),
+              QStringLiteral(JSON({
             "layout": [
                 {"source": {"recents": {}}, "style": "inline"},
                 {"source": {"folder": {"_0": "00000000-0000-4000-8000-0000000000F0"}}, "style": "hidden"},
@@ -189,8 +190,10 @@ private Q_SLOTS:
         })));
         Preferences preferences(m_path);
         MenuStore store(preferences);
-        const auto b = MenuSource::customMenu(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-00000000000B")));
-        const auto a = MenuSource::customMenu(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-00000000000A")));
+        const auto b =
+            MenuSource::customMenu(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-00000000000B")));
+        const auto a =
+            MenuSource::customMenu(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-00000000000A")));
         const auto separator =
             MenuSource::separator(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-0000000000C0")));
         QCOMPARE(store.layout(), (QList<LayoutEntry>{
@@ -277,7 +280,8 @@ private Q_SLOTS:
         QVERIFY(!store.contains(sound, QUuid::createUuid()));
 
         // Including again moves to the end; the spelling of a file URL does not matter.
-        store.setIncluded(true, QUrl(QStringLiteral("file://localhost/usr/share/applications/org.gnome.Terminal.desktop")), id);
+        store.setIncluded(
+            true, QUrl(QStringLiteral("file://localhost/usr/share/applications/org.gnome.Terminal.desktop")), id);
         QCOMPARE(store.menu(id)->urls.last(), app);
         QCOMPARE(store.menu(id)->urls.count(app), 1);
         store.setIncluded(false, wifi, id);

@@ -32,7 +32,8 @@ private Q_SLOTS:
     {
         QVERIFY(QDir().mkpath(path(QStringLiteral("schemas"))));
         QCOMPARE(QProcess::execute(QStringLiteral("glib-compile-schemas"),
-                                   {QStringLiteral("--strict"), QStringLiteral("--targetdir=") + path(QStringLiteral("schemas")),
+                                   {QStringLiteral("--strict"),
+                                    QStringLiteral("--targetdir=") + path(QStringLiteral("schemas")),
                                     QStringLiteral(QUILLON_HOTKEYS_DATA)}),
                  0);
         // Only the fixture's schemas: none of the machine's own.
@@ -46,7 +47,8 @@ private Q_SLOTS:
 
     void gnomeShortcutsAreInUse()
     {
-        QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Terminal"), QStringLiteral("gnome-terminal"), Qt::Key_T, ctrlAlt));
+        QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Terminal"), QStringLiteral("gnome-terminal"), Qt::Key_T,
+                                          ctrlAlt));
         QVERIFY(GnomeShortcuts::addCustom(QStringLiteral("Quillon"), searchCommand, Qt::Key_Space, ctrlAlt));
         const QList<HotKeyCombination> used = desktopShortcuts();
         const QList<HotKeyCombination> expected{

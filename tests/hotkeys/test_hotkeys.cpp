@@ -29,8 +29,8 @@ private:
     QString preferencesFile() const { return m_dir.filePath(QStringLiteral("Quillon.conf")); }
     std::unique_ptr<HotKeyRecorderModel> recorder(HotKeyCenter &center)
     {
-        auto model = std::make_unique<HotKeyRecorderModel>(center, m_centers->others(center), QStringLiteral("Leertaste"),
-                                                           [this] { return m_desktop; });
+        auto model = std::make_unique<HotKeyRecorderModel>(center, m_centers->others(center),
+                                                           QStringLiteral("Leertaste"), [this] { return m_desktop; });
         model->startRecording();
         return model;
     }
@@ -110,11 +110,18 @@ private Q_SLOTS:
             {Qt::Key_Control, Qt::ControlModifier, Outcome::Ignored, {}},
             {Qt::Key_Escape, none, Outcome::Cancelled, {}},
             {Qt::Key_F5, none, Outcome::Registered, {Qt::Key_F5, 0, QStringLiteral("F5")}},
-            {Qt::Key_Space, ctrlAltQt, Outcome::Registered, {Qt::Key_Space, 6144, QStringLiteral("Ctrl+Alt+Leertaste")}},
+            {Qt::Key_Space,
+             ctrlAltQt,
+             Outcome::Registered,
+             {Qt::Key_Space, 6144, QStringLiteral("Ctrl+Alt+Leertaste")}},
             {Qt::Key_Escape, Qt::MetaModifier, Outcome::Registered, {Qt::Key_Escape, 256, QStringLiteral("Super+Esc")}},
-            {Qt::Key_K, Qt::MetaModifier | Qt::ShiftModifier | ctrlAltQt, Outcome::Registered,
+            {Qt::Key_K,
+             Qt::MetaModifier | Qt::ShiftModifier | ctrlAltQt,
+             Outcome::Registered,
              {Qt::Key_K, 6912, QStringLiteral("Ctrl+Alt+Shift+Super+K")}},
-            {Qt::Key_Backtab, Qt::ShiftModifier | Qt::ControlModifier, Outcome::Registered,
+            {Qt::Key_Backtab,
+             Qt::ShiftModifier | Qt::ControlModifier,
+             Outcome::Registered,
              {Qt::Key_Tab, 4608, QStringLiteral("Ctrl+Shift+Tab")}},
         };
         for (const auto &c : cases) {
@@ -163,7 +170,8 @@ private Q_SLOTS:
         model->startRecording();
         QCOMPARE(model->handleKey(Qt::Key_Space, Qt::MetaModifier), Outcome::Unbound);
         QVERIFY(!model->isRecording());
-        QCOMPARE(model->unbound(), (HotKeyCombination{Qt::Key_Space, HotKeyModifier::Super, QStringLiteral("Super+Leertaste")}));
+        QCOMPARE(model->unbound(),
+                 (HotKeyCombination{Qt::Key_Space, HotKeyModifier::Super, QStringLiteral("Super+Leertaste")}));
         QCOMPARE(m_centers->menu().current(), std::nullopt);
     }
 
@@ -171,7 +179,8 @@ private Q_SLOTS:
     {
         const QList<std::pair<QString, HotKeyCombination>> readable{
             {QStringLiteral("<Primary><Alt>F1"), {Qt::Key_F1, ctrlAlt, {}}},
-            {QStringLiteral("<Shift><Super>Page_Up"), {Qt::Key_PageUp, HotKeyModifier::Shift | HotKeyModifier::Super, {}}},
+            {QStringLiteral("<Shift><Super>Page_Up"),
+             {Qt::Key_PageUp, HotKeyModifier::Shift | HotKeyModifier::Super, {}}},
             {QStringLiteral("<Control><Alt>t"), {Qt::Key_T, ctrlAlt, {}}},
             {QStringLiteral("Print"), {Qt::Key_Print, 0, {}}},
         };

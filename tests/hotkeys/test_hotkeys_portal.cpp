@@ -91,8 +91,8 @@ public:
         const QString request = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
                                     .arg(sender, options.value(QStringLiteral("handle_token")).toString());
         m_bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(request))));
-        QDBusMessage response =
-            QDBusMessage::createSignal(request, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
+        QDBusMessage response = QDBusMessage::createSignal(request, QStringLiteral("org.freedesktop.portal.Request"),
+                                                           QStringLiteral("Response"));
         response << 0u << results;
         return m_bus.send(response);
     }
@@ -134,7 +134,8 @@ private Q_SLOTS:
 
         QVERIFY(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, QStringLiteral("Ctrl+Alt+Space")));
         QTRY_COMPARE(portal.binds.size(), 1);
-        QCOMPARE(portal.sessions.at(0).value(QStringLiteral("session_handle_token")).toString(), QStringLiteral("quillon"));
+        QCOMPARE(portal.sessions.at(0).value(QStringLiteral("session_handle_token")).toString(),
+                 QStringLiteral("quillon"));
         QCOMPARE(portal.binds.at(0).shortcuts.keys(), QStringList{QStringLiteral("hotkey-1")});
         const QVariantMap search = portal.binds.at(0).shortcuts.value(QStringLiteral("hotkey-1"));
         QCOMPARE(search.value(QStringLiteral("preferred_trigger")).toString(), QStringLiteral("CTRL+ALT+space"));
@@ -144,15 +145,18 @@ private Q_SLOTS:
         QVERIFY(centers.menu().registerHotKey(Qt::Key_M, HotKeyModifier::Super, QStringLiteral("Super+M")));
         QTRY_COMPARE(portal.binds.size(), 2);
         QCOMPARE(portal.closed, QStringList{portal.binds.at(0).session});
-        QCOMPARE(portal.binds.at(1).shortcuts.keys(), (QStringList{QStringLiteral("hotkey-1"), QStringLiteral("hotkey-2")}));
-        QCOMPARE(portal.binds.at(1).shortcuts.value(QStringLiteral("hotkey-2")).value(QStringLiteral("preferred_trigger")),
-                 QVariant(QStringLiteral("LOGO+m")));
+        QCOMPARE(portal.binds.at(1).shortcuts.keys(),
+                 (QStringList{QStringLiteral("hotkey-1"), QStringLiteral("hotkey-2")}));
+        QCOMPARE(
+            portal.binds.at(1).shortcuts.value(QStringLiteral("hotkey-2")).value(QStringLiteral("preferred_trigger")),
+            QVariant(QStringLiteral("LOGO+m")));
 
         portal.activate(portal.binds.at(1).session, QStringLiteral("hotkey-2"));
         QTRY_COMPARE(menus, 1);
         QCOMPARE(searches, 0);
         // Nothing from another program's session.
-        portal.activate(QStringLiteral("/org/freedesktop/portal/desktop/session/1_1/other"), QStringLiteral("hotkey-1"));
+        portal.activate(QStringLiteral("/org/freedesktop/portal/desktop/session/1_1/other"),
+                        QStringLiteral("hotkey-1"));
         portal.activate(portal.binds.at(1).session, QStringLiteral("hotkey-1"));
         QTRY_COMPARE(searches, 1);
         QTest::qWait(100);
@@ -170,8 +174,9 @@ private Q_SLOTS:
         QVERIFY(centers.search().registerHotKey(Qt::Key_F5, 0, QStringLiteral("F5")));
         auto portal = std::make_unique<FakePortal>(true);
         QTRY_COMPARE(portal->binds.size(), 1);
-        QCOMPARE(portal->binds.at(0).shortcuts.value(QStringLiteral("hotkey-1")).value(QStringLiteral("preferred_trigger")),
-                 QVariant(QStringLiteral("F5")));
+        QCOMPARE(
+            portal->binds.at(0).shortcuts.value(QStringLiteral("hotkey-1")).value(QStringLiteral("preferred_trigger")),
+            QVariant(QStringLiteral("F5")));
         // A restarted portal knows nothing of the old session.
         portal.reset();
         portal = std::make_unique<FakePortal>(true);
@@ -185,7 +190,8 @@ private Q_SLOTS:
         PortalHotKeys backend;
         QTRY_VERIFY(!backend.isAvailable());
         HotKeyCenters centers(*m_preferences, backend);
-        QCOMPARE(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, {}), HotKeyRegistration{HotKeyRefusal::Unavailable});
+        QCOMPARE(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, {}),
+                 HotKeyRegistration{HotKeyRefusal::Unavailable});
         QVERIFY(portal.binds.isEmpty());
     }
 };

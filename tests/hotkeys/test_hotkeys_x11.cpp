@@ -1,8 +1,8 @@
+#include "app/appservices.h"
 #include "config/preferences.h"
 #include "hotkeys/hotkeycenter.h"
 #include "hotkeys/hotkeyrecorder.h"
 #include "hotkeys/x11_hotkeys.h"
-#include "app/appservices.h"
 #include "settings/settingswindow.h"
 
 #include <QLabel>
@@ -10,8 +10,8 @@
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QToolButton>
 #include <QTest>
+#include <QToolButton>
 
 #include <X11/keysym.h>
 #include <xcb/xcb.h>
@@ -26,7 +26,9 @@ constexpr quint16 xcbCtrlAlt = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1;
 // centres, whose actions count the presses.
 struct Running {
     explicit Running(const QString &preferencesFile)
-        : preferences(preferencesFile), backend(X11HotKeys::create()), centers(preferences, *backend)
+        : preferences(preferencesFile)
+        , backend(X11HotKeys::create())
+        , centers(preferences, *backend)
     {
         centers.search().setAction([this] { ++searches; });
         centers.menu().setAction([this] { ++menus; });
@@ -58,9 +60,9 @@ private:
         xcb_keycode_t *codes = xcb_key_symbols_get_keycode(m_otherSymbols, keysym);
         bool ok = codes != nullptr && *codes != XCB_NO_SYMBOL;
         for (const xcb_keycode_t *code = codes; ok && *code != XCB_NO_SYMBOL; ++code) {
-            const xcb_void_cookie_t cookie =
-                grab ? xcb_grab_key_checked(m_other, 1, root, xcbCtrlAlt, *code, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)
-                     : xcb_ungrab_key_checked(m_other, *code, root, xcbCtrlAlt);
+            const xcb_void_cookie_t cookie = grab ? xcb_grab_key_checked(m_other, 1, root, xcbCtrlAlt, *code,
+                                                                         XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)
+                                                  : xcb_ungrab_key_checked(m_other, *code, root, xcbCtrlAlt);
             if (xcb_generic_error_t *error = xcb_request_check(m_other, cookie)) {
                 ok = false;
                 free(error);
@@ -119,9 +121,13 @@ private Q_SLOTS:
             press(QStringLiteral("ctrl+alt+k"));
             QTRY_COMPARE(quillon.searches, 1);
             // Held down, the key repeats; the action does not.
-            QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("keydown"), QStringLiteral("ctrl+alt+k")}), 0);
+            QCOMPARE(
+                QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("keydown"), QStringLiteral("ctrl+alt+k")}),
+                0);
             QTest::qWait(700);
-            QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("keyup"), QStringLiteral("ctrl+alt+k")}), 0);
+            QCOMPARE(
+                QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("keyup"), QStringLiteral("ctrl+alt+k")}),
+                0);
             QTest::qWait(100);
             QCOMPARE(quillon.searches, 2);
             QCOMPARE(quillon.menus, 0);
@@ -146,7 +152,7 @@ private Q_SLOTS:
         QVERIFY(otherClientGrabs(XK_j));
         Running quillon(preferencesFile());
         AppServices services;
-            SettingsWindow window(services.settingsServices(quillon.centers));
+        SettingsWindow window(services.settingsServices(quillon.centers));
         window.present();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         HotKeyRecorder *recorder = window.menuHotKey();
@@ -191,7 +197,9 @@ private Q_SLOTS:
         QVERIFY(quillon.centers.search().registerHotKey(Qt::Key_Q, ctrlAlt, {}));
         // Q moves to another key, as it does when the layout changes.
         const auto xmodmap = [](const QString &from, const QString &to) {
-            QCOMPARE(QProcess::execute(QStringLiteral("xmodmap"), {QStringLiteral("-e"), from, QStringLiteral("-e"), to}), 0);
+            QCOMPARE(
+                QProcess::execute(QStringLiteral("xmodmap"), {QStringLiteral("-e"), from, QStringLiteral("-e"), to}),
+                0);
         };
         xmodmap(QStringLiteral("keycode 24 = NoSymbol"), QStringLiteral("keycode 97 = q Q"));
         QTest::qWait(300);

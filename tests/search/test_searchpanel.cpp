@@ -1,10 +1,10 @@
-#include "platform/opener.h"
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "fakelauncher.h"
 #include "fixtures.h"
+#include "platform/opener.h"
 #include "search/searchpanel.h"
 #include "search/searchpanelcontroller.h"
 #include "search/searchpanelmodel.h"
@@ -65,8 +65,8 @@ private Q_SLOTS:
                         testPane(QStringLiteral("network"), QStringLiteral("Network"))});
         m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
         m_opener = std::make_unique<Opener>(m_launcher, [](const QString &) {});
-        for (const QString &name : {QStringLiteral("Notes"), QStringLiteral("Numbers"), QStringLiteral("Nuke"),
-                                    QStringLiteral("Maps")})
+        for (const QString &name :
+             {QStringLiteral("Notes"), QStringLiteral("Numbers"), QStringLiteral("Nuke"), QStringLiteral("Maps")})
             m_apps.append(App{name, appURL(name), {}});
         for (int i = 1; i <= 14; ++i)
             m_apps.append(App{QStringLiteral("Atlas %1").arg(i), appURL(QStringLiteral("atlas%1").arg(i)), {}});
@@ -82,8 +82,8 @@ private Q_SLOTS:
     {
         m_controller.reset();
         m_store.reset();
-        m_preferences = std::make_unique<Preferences>(
-            m_dir.filePath(QStringLiteral("%1.conf").arg(QTest::currentTestFunction())));
+        m_preferences =
+            std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("%1.conf").arg(QTest::currentTestFunction())));
         m_store = std::make_unique<MenuStore>(*m_preferences);
         m_launcher.calls.clear();
         m_launcher.witness = [this] {
@@ -92,7 +92,8 @@ private Q_SLOTS:
                 .arg(m_store->recents().value(0).fileName());
         };
         m_scans = 0;
-        m_controller = std::make_unique<SearchPanelController>(SearchPanelController::Services{sources(), *m_shortcuts, *m_opener});
+        m_controller = std::make_unique<SearchPanelController>(
+            SearchPanelController::Services{sources(), *m_shortcuts, *m_opener});
     }
 
     void selectionFollowsItsURLAcrossSearches()
@@ -178,7 +179,8 @@ private Q_SLOTS:
         m_controller->show();
         QTest::keyClicks(field(), QStringLiteral("nuk"));
         QTest::keyClick(field(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-        QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("launch /apps/Nuke.desktop shown=0 recent=Nuke.desktop")});
+        QCOMPARE(m_launcher.calls,
+                 QStringList{QStringLiteral("launch /apps/Nuke.desktop shown=0 recent=Nuke.desktop")});
         QVERIFY(!m_controller->isShown());
     }
 
@@ -191,7 +193,8 @@ private Q_SLOTS:
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
         QVERIFY(m_controller->isShown());
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(2, 0)).center());
-        QCOMPARE(m_launcher.calls, QStringList{QStringLiteral("launch /apps/Numbers.desktop shown=0 recent=Numbers.desktop")});
+        QCOMPARE(m_launcher.calls,
+                 QStringList{QStringLiteral("launch /apps/Numbers.desktop shown=0 recent=Numbers.desktop")});
     }
 
     void theBodyHangsFromAFixedTopEdge()

@@ -3,10 +3,10 @@
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "config/urls.h"
-#include "search/searchsession.h"
-#include "sources/textmatch.h"
 #include "fixtures.h"
+#include "search/searchsession.h"
 #include "sources/shortcutlibrary.h"
+#include "sources/textmatch.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -81,15 +81,18 @@ private Q_SLOTS:
         m_settings.set({{QStringLiteral("wifi"), QStringLiteral("missing"), QStringLiteral("privacy")},
                         {QStringLiteral("online-accounts")}},
                        {
-            testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"),
-                 {item(QStringLiteral("Create Hotspot"), QStringLiteral("settings://gnome/wifi/create-wifi"), Kind::Sheet)}),
-            testPane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
-                 QList<QList<QString>>{{QStringLiteral("location"), QStringLiteral("camera")}}),
-            testPane(QStringLiteral("location"), QStringLiteral("Location Services")),
-            testPane(QStringLiteral("camera"), QStringLiteral("Camera")),
-            testPane(QStringLiteral("online-accounts"), QStringLiteral("Online Accounts"),
-                 {item(QStringLiteral("Add Google Account"), QStringLiteral("settings://gnome/online-accounts/add/google")),
-                  item(QStringLiteral("Add Nextcloud Account"), QStringLiteral("settings://gnome/online-accounts/add/owncloud"))}),
+                           testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"),
+                                    {item(QStringLiteral("Create Hotspot"),
+                                          QStringLiteral("settings://gnome/wifi/create-wifi"), Kind::Sheet)}),
+                           testPane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
+                                    QList<QList<QString>>{{QStringLiteral("location"), QStringLiteral("camera")}}),
+                           testPane(QStringLiteral("location"), QStringLiteral("Location Services")),
+                           testPane(QStringLiteral("camera"), QStringLiteral("Camera")),
+                           testPane(QStringLiteral("online-accounts"), QStringLiteral("Online Accounts"),
+                                    {item(QStringLiteral("Add Google Account"),
+                                          QStringLiteral("settings://gnome/online-accounts/add/google")),
+                                     item(QStringLiteral("Add Nextcloud Account"),
+                                          QStringLiteral("settings://gnome/online-accounts/add/owncloud"))}),
                        });
         m_apps = {app(QStringLiteral("Visual Studio")), app(QStringLiteral("Safari")), app(QStringLiteral("Écran")),
                   app(QStringLiteral("Sane Scanner")), app(QStringLiteral("Straße"))};
@@ -147,12 +150,13 @@ private Q_SLOTS:
         MenuStore &store = freshStore();
         SearchSession session(sources(store));
         auto groups = session.search(QStringLiteral("a"), 40);
-        const auto settings = std::find_if(groups.begin(), groups.end(),
-                                           [](const SearchGroup &g) { return g.title == QLatin1String("System Settings"); });
+        const auto settings = std::find_if(groups.begin(), groups.end(), [](const SearchGroup &g) {
+            return g.title == QLatin1String("System Settings");
+        });
         QVERIFY(settings != groups.end());
-        QCOMPARE(titles(*settings), (QStringList{"Wi-Fi › Create Hotspot…", "Privacy", "Location Services", "Camera",
-                                                 "Online Accounts", "Online Accounts › Add Google Account",
-                                                 "Online Accounts › Add Nextcloud Account"}));
+        QCOMPARE(titles(*settings),
+                 (QStringList{"Wi-Fi › Create Hotspot…", "Privacy", "Location Services", "Camera", "Online Accounts",
+                              "Online Accounts › Add Google Account", "Online Accounts › Add Nextcloud Account"}));
         QCOMPARE(settings->results.first().url, QUrl(QStringLiteral("settings://gnome/wifi/create-wifi")));
         groups = session.search(QStringLiteral("account"), 2);
         QCOMPARE(titles(groups.last()), (QStringList{"Online Accounts", "Online Accounts › Add Google Account"}));
@@ -173,7 +177,8 @@ private Q_SLOTS:
         QCOMPARE(groups.last().title, QFileInfo(folder.path()).fileName());
         QCOMPARE(titles(groups.last()), (QStringList{"report-2.txt", "Report.pdf"}));
         // The extension is not searched.
-        QVERIFY(session.search(QStringLiteral("md"), 10).isEmpty() || titles(session.search(QStringLiteral("md"), 10).last()).isEmpty());
+        QVERIFY(session.search(QStringLiteral("md"), 10).isEmpty()
+                || titles(session.search(QStringLiteral("md"), 10).last()).isEmpty());
         session.search(QStringLiteral("notes"), 10);
         QCOMPARE(m_listings, 1);
     }

@@ -1,7 +1,7 @@
-#include "platform/loginitem.h"
 #include "app/updates.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
+#include "platform/loginitem.h"
 #include "settings/generalpane.h"
 
 #include <QCheckBox>

@@ -72,9 +72,10 @@ private Q_SLOTS:
                                        << QLatin1String("Accessories(App 1, App 2, app 10, Twin), ") + common
                                               + QLatin1String("System Tools(GNOME Only, Shell Tool)");
         // KDE's own folder names come first there.
-        QTest::newRow("KDE") << QByteArray("KDE") << common
-                                     + QLatin1String("System Tools(KDE Only, Not GNOME, Shell Tool), "
-                                                     "Utilities(App 1, App 2, app 10, Twin)");
+        QTest::newRow("KDE") << QByteArray("KDE")
+                             << common
+                                    + QLatin1String("System Tools(KDE Only, Not GNOME, Shell Tool), "
+                                                    "Utilities(App 1, App 2, app 10, Twin)");
         QTest::newRow("none") << QByteArray()
                               << QLatin1String("Accessories(App 1, App 2, app 10, Twin), ") + common
                                      + QLatin1String("System Tools(Not GNOME, Shell Tool)");

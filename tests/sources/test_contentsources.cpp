@@ -91,16 +91,17 @@ private Q_SLOTS:
         QVERIFY(!all.isAvailable(MenuSource::customMenu(work.id)));
         QCOMPARE(all.title(MenuSource::customMenu(work.id)), QString());
         // Until the shortcuts tool has answered, a shortcut is given the benefit of the doubt.
-        QVERIFY(all.isAvailable(MenuSource::shortcut({QStringLiteral("A1B2C3D4-0000-4000-8000-000000000001"),
-                                                      QStringLiteral("Backup")})));
+        QVERIFY(all.isAvailable(
+            MenuSource::shortcut({QStringLiteral("A1B2C3D4-0000-4000-8000-000000000001"), QStringLiteral("Backup")})));
         QVERIFY(all.of(MenuSource::Case::Shortcut).isSingleItem());
         QVERIFY(!all.of(MenuSource::Case::Folder).isSingleItem());
         // The search lists whole kinds in this order.
         QList<MenuSource::Case> order;
         for (const ContentSource *source : all.all())
             order.append(source->kind());
-        QCOMPARE(order.mid(0, 3), (QList<MenuSource::Case>{MenuSource::Case::Applications, MenuSource::Case::SystemSettings,
-                                                          MenuSource::Case::Shortcuts}));
+        QCOMPARE(order.mid(0, 3),
+                 (QList<MenuSource::Case>{MenuSource::Case::Applications, MenuSource::Case::SystemSettings,
+                                          MenuSource::Case::Shortcuts}));
     }
 
     void customMenusGroupAndReachTheirKinds()
@@ -113,10 +114,12 @@ private Q_SLOTS:
         const MenuSource source = MenuSource::customMenu(menu.id);
         const ContentSources &all = sources();
 
-        QCOMPARE(all.of(source).reachableKinds(source), (QSet<MenuItemKind>{MenuItemKind::Files, MenuItemKind::Settings}));
+        QCOMPARE(all.of(source).reachableKinds(source),
+                 (QSet<MenuItemKind>{MenuItemKind::Files, MenuItemKind::Settings}));
         // Each group is set apart, the first too: a menu spread inline keeps
         // it apart from what stands before it, and a submenu drops it.
-        QCOMPARE(describe(all.items(source)), (QStringList{"---", "notes.txt", "deleted.txt (disabled)", "---", "Displays"}));
+        QCOMPARE(describe(all.items(source)),
+                 (QStringList{"---", "notes.txt", "deleted.txt (disabled)", "---", "Displays"}));
     }
 
     void recentsSkipWhatIsGoneAndCanBeCleared()

@@ -103,8 +103,8 @@ private Q_SLOTS:
     {
         const QDateTime base = QDateTime::currentDateTimeUtc().addDays(-10);
         const QDir dir(m_dir->path());
-        for (const auto &[name, days] : {std::pair{"old", 1}, {"newest", 5}, {"tie 1", 3}, {"tie 2", 3},
-                                         {"tie 3", 3}, {"middle", 4}}) {
+        for (const auto &[name, days] :
+             {std::pair{"old", 1}, {"newest", 5}, {"tie 1", 3}, {"tie 2", 3}, {"tie 3", 3}, {"middle", 4}}) {
             const QString path = dir.filePath(QLatin1String(name));
             QVERIFY(touch(path));
             QVERIFY(setModified(path, base.addDays(days)));

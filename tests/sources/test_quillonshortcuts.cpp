@@ -30,7 +30,8 @@ class TestQuillonShortcuts : public QObject
         process.start(QStringLiteral(QUILLON_SHORTCUTS_TOOL), arguments);
         if (!process.waitForFinished())
             return {};
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)};
+        return {process.exitCode(),
+                QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)};
     }
 
     void writeScript(const QString &relativePath, bool executable = true)

@@ -113,7 +113,8 @@ private Q_SLOTS:
         QTest::newRow("bad lines skipped, order and duplicates kept")
             << "b (" + id + ")\ngarbage\nb (" + id + ")\na (" + uid('B').toLatin1() + ")"
             << QList<ShortcutRef>{ref("b", 'A'), ref("b", 'A'), ref("a", 'B')};
-        QTest::newRow("invalid UTF-8 is replaced") << "Caf\xe9 (" + id + ")" << QList<ShortcutRef>{ref("Caf\uFFFD", 'A')};
+        QTest::newRow("invalid UTF-8 is replaced")
+            << "Caf\xe9 (" + id + ")" << QList<ShortcutRef>{ref("Caf\uFFFD", 'A')};
     }
 
     void parse()
@@ -171,11 +172,12 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("tool");
         QTest::addColumn<bool>("executable");
         QTest::addColumn<QString>("message");
-        QTest::newRow("non-zero exit") << QByteArray("exit 3\n") << true << QStringLiteral("shortcuts exited with status 3");
+        QTest::newRow("non-zero exit") << QByteArray("exit 3\n") << true
+                                       << QStringLiteral("shortcuts exited with status 3");
         // A partial library would show the new folder.
         QTest::newRow("a later folder fails")
-            << "case \"$*\" in *--folders) echo 'New (" + uid('7').toUtf8() + ")';; *) exit 1;; esac\n" << true
-            << QStringLiteral("shortcuts exited with status 1");
+            << "case \"$*\" in *--folders) echo 'New (" + uid('7').toUtf8() + ")';; *) exit 1;; esac\n"
+            << true << QStringLiteral("shortcuts exited with status 1");
         QTest::newRow("cannot start") << QByteArray() << false << QStringLiteral(".+");
         QTest::newRow("hangs") << QByteArray("exec sleep 30\n") << true
                                << QStringLiteral("shortcuts did not finish within 1000 ms and was stopped");
@@ -224,7 +226,8 @@ private Q_SLOTS:
             << "rm \"$0\"\n" + listings({}, {}, {}, helloLine) << QStringList{list}
             << QStringList{QStringLiteral("Shortcut %1 could not run: .+").arg(id)};
         QTest::newRow("listing fails") << QByteArray("exit 2\n") << QStringList{list}
-                                       << QStringList{QStringLiteral("Shortcuts could not be listed: shortcuts exited with status 2")};
+                                       << QStringList{QStringLiteral(
+                                              "Shortcuts could not be listed: shortcuts exited with status 2")};
         QTest::newRow("no longer listed, so one refresh")
             << listings({}, {}, {}, buildLine)
             << QStringList{list, list + QStringLiteral(" --folders"), list + QStringLiteral(" --folder-name none")}

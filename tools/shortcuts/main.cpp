@@ -23,9 +23,8 @@ constexpr int usageStatus = 2;
 // What a shell answers for a file it found but could not execute.
 constexpr int cannotRunStatus = 126;
 
-const char usage[] =
-    "usage: quillon-shortcuts list [--show-identifiers] [--folders | --folder-name <folder id>|none]\n"
-    "       quillon-shortcuts run <shortcut id>\n";
+const char usage[] = "usage: quillon-shortcuts list [--show-identifiers] [--folders | --folder-name <folder id>|none]\n"
+                     "       quillon-shortcuts run <shortcut id>\n";
 
 int usageError(const QString &message)
 {
@@ -45,7 +44,8 @@ std::optional<ScriptEntry> findById(const QList<ScriptEntry> &entries, const QSt
 void print(const QList<ScriptEntry> &entries, bool showIdentifiers)
 {
     for (const ScriptEntry &entry : entries) {
-        const QString line = showIdentifiers ? QStringLiteral("%1 (%2)\n").arg(entry.name, entry.id) : entry.name + u'\n';
+        const QString line =
+            showIdentifiers ? QStringLiteral("%1 (%2)\n").arg(entry.name, entry.id) : entry.name + u'\n';
         std::fputs(line.toUtf8().constData(), stdout);
     }
 }

@@ -37,7 +37,10 @@ void sortByName(QList<ScriptEntry> &entries)
 
 } // namespace
 
-ScriptFolder::ScriptFolder(QString root) : m_root(std::move(root)) {}
+ScriptFolder::ScriptFolder(QString root)
+    : m_root(std::move(root))
+{
+}
 
 QString ScriptFolder::defaultRoot()
 {
