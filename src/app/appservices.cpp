@@ -15,7 +15,7 @@ StatusMenu::Services AppServices::statusMenuServices()
     return StatusMenu::Services{sources, shortcuts, preferences, updates, opener};
 }
 
-SettingsWindow::Services AppServices::settingsServices(HotKeyCenters &hotKeys)
+SettingsServices AppServices::settingsServices(HotKeyCenters &hotKeys)
 {
-    return SettingsWindow::Services{preferences, store, updates, sources, hotKeys};
+    return SettingsServices{preferences, store, updates, sources, hotKeys};
 }

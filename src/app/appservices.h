@@ -28,5 +28,5 @@ public:
     Opener opener;
 
     StatusMenu::Services statusMenuServices();
-    SettingsWindow::Services settingsServices(HotKeyCenters &hotKeys);
+    SettingsServices settingsServices(HotKeyCenters &hotKeys);
 };

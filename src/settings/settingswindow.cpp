@@ -11,7 +11,7 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-SettingsWindow::SettingsWindow(Services services, QWidget *parent)
+SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , m_tabs(new QTabWidget(this))
     , m_general(new GeneralPane(services.preferences, services.store, services.updates, m_tabs))

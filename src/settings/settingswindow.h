@@ -1,15 +1,12 @@
 #pragma once
 
+#include "settings/settingsservices.h"
+
 #include <QWidget>
 
-class ContentSources;
 class GeneralPane;
-class HotKeyCenters;
 class HotKeyRecorder;
-class MenuStore;
-class Preferences;
 class QTabWidget;
-class UpdateSettings;
 
 // The settings window: general options, the user's menus, the content and
 // layout of the status menu, and the applications with their favourites.
@@ -18,15 +15,7 @@ class SettingsWindow : public QWidget
     Q_OBJECT
 
 public:
-    struct Services {
-        Preferences &preferences;
-        MenuStore &store;
-        UpdateSettings &updates;
-        const ContentSources &sources;
-        HotKeyCenters &hotKeys;
-    };
-
-    explicit SettingsWindow(Services services, QWidget *parent = nullptr);
+    explicit SettingsWindow(SettingsServices services, QWidget *parent = nullptr);
 
     QTabWidget *tabs() const { return m_tabs; }
     GeneralPane *general() const { return m_general; }
