@@ -33,7 +33,7 @@ public:
     QDateTime lastCheckTime() const;
 
     // The user asked: check now and report through userCheckFinished.
-    void checkForUpdates();
+    void checkForUpdates() override;
     // A check due by the schedule, run now if it is due.
     void runScheduledCheckIfDue();
     // How often the schedule looks whether a check is due.

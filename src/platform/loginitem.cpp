@@ -2,8 +2,10 @@
 
 #include "common/log.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QSettings>
 #include <QStandardPaths>
@@ -17,6 +19,19 @@ QString LoginItem::entryPath()
 {
     return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
         .filePath(QStringLiteral("autostart/app.quillon.Quillon.desktop"));
+}
+
+std::optional<QString> LoginItem::unavailableReason()
+{
+    // The nearest folder that exists decides: the entry's own, or the one it
+    // would be made in.
+    QFileInfo folder(QFileInfo(entryPath()).absolutePath());
+    while (!folder.exists() && folder.absoluteFilePath() != QDir::rootPath())
+        folder = QFileInfo(folder.absolutePath());
+    if (folder.isDir() && folder.isWritable())
+        return std::nullopt;
+    return QCoreApplication::translate("LoginItem", "%1 cannot be written, so Quillon cannot start at login.")
+        .arg(QFileInfo(entryPath()).absolutePath());
 }
 
 bool LoginItem::isEnabled() const

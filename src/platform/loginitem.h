@@ -16,6 +16,9 @@ public:
 
     static QString entryPath();
     bool isEnabled() const;
+    // Why an entry cannot be written here (a read-only autostart folder),
+    // or nothing.
+    static std::optional<QString> unavailableReason();
     // The error text when the entry could not be written or removed.
     std::optional<QString> setEnabled(bool enabled) const;
 

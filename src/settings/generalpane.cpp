@@ -9,36 +9,34 @@
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QSpinBox>
 
 namespace {
+
 const QString showSearchKey = QStringLiteral("ShowSearch");
+
+// A dimmed, wrapping line under a control that says why it cannot be used.
+QLabel *explanation(const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(text, parent);
+    label->setWordWrap(true);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    label->setVisible(!text.isEmpty());
+    return label;
+}
+
 } // namespace
 
-GeneralPane::GeneralPane(Preferences &preferences, MenuStore &store, UpdateSettings &updates, QWidget *parent)
+GeneralPane::GeneralPane(Preferences &preferences, MenuStore &store, UpdateSettings &updates, SystemStrings &strings,
+                         QWidget *parent)
     : QWidget(parent)
     , m_form(new QFormLayout(this))
 {
-    SystemStrings &strings = SystemStrings::shared();
-    m_form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
-
-    auto *login = new QCheckBox(strings.text(SystemString::OpenAtLogin), this);
-    auto *loginError = new QLabel(this);
-    loginError->setWordWrap(true);
-    loginError->hide();
-    login->setChecked(LoginItem(QCoreApplication::applicationFilePath()).isEnabled());
-    connect(login, &QCheckBox::toggled, this, [login, loginError](bool on) {
-        const auto error = LoginItem(QCoreApplication::applicationFilePath()).setEnabled(on);
-        loginError->setVisible(error.has_value());
-        loginError->setText(error.value_or(QString()));
-        if (error) {
-            const QSignalBlocker blocker(login);
-            login->setChecked(!on);
-        }
-    });
-    m_form->addRow(login);
-    m_form->addRow(loginError);
+    m_form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    addLoginRow(strings);
 
     auto *search = new QCheckBox(strings.text(SystemString::ShowSearch), this);
     const QVariant shown = preferences.value(showSearchKey);
@@ -46,18 +44,78 @@ GeneralPane::GeneralPane(Preferences &preferences, MenuStore &store, UpdateSetti
     connect(search, &QCheckBox::toggled, this, [&preferences](bool on) { preferences.setValue(showSearchKey, on); });
     m_form->addRow(search);
 
+    addUpdateRows(updates, strings);
+    addRecentsRows(store, strings);
+}
+
+void GeneralPane::addLoginRow(SystemStrings &strings)
+{
+    auto *login = new QCheckBox(strings.text(SystemString::OpenAtLogin), this);
+    const auto reason = LoginItem::unavailableReason();
+    auto *why = explanation(reason.value_or(QString()), this);
+    login->setChecked(LoginItem(QCoreApplication::applicationFilePath()).isEnabled());
+    login->setEnabled(!reason);
+    connect(login, &QCheckBox::toggled, this, [login, why](bool on) {
+        const auto error = LoginItem(QCoreApplication::applicationFilePath()).setEnabled(on);
+        why->setVisible(error.has_value());
+        why->setText(error.value_or(QString()));
+        if (error) {
+            const QSignalBlocker blocker(login);
+            login->setChecked(!on);
+        }
+    });
+    m_form->addRow(login);
+    m_form->addRow(why);
+}
+
+void GeneralPane::addUpdateRows(UpdateSettings &updates, SystemStrings &strings)
+{
     auto *automatic = new QCheckBox(strings.text(SystemString::AutomaticUpdates), this);
     automatic->setChecked(updates.isConfigured() && updates.automaticallyChecksForUpdates());
     automatic->setEnabled(updates.isConfigured());
     connect(automatic, &QCheckBox::toggled, this,
             [&updates](bool on) { updates.setAutomaticallyChecksForUpdates(on); });
-    m_form->addRow(automatic);
 
-    auto *recents = new QSpinBox(this);
-    recents->setRange(0, MenuStore::maximumRecents);
-    recents->setValue(std::clamp(store.recentsLimit(), 0, MenuStore::maximumRecents));
-    connect(recents, &QSpinBox::valueChanged, &store, &MenuStore::setRecentsLimit);
-    m_form->addRow(strings.text(SystemString::Recents) + QStringLiteral(" – ")
-                       + strings.text(SystemString::NumberOfItems),
-                   recents);
+    QString checkText = strings.text(SystemString::CheckForUpdates);
+    auto *check = new QPushButton(checkText + QStringLiteral("…"), this);
+    check->setAccessibleName(checkText);
+    check->setEnabled(updates.isConfigured());
+    connect(check, &QPushButton::clicked, this, [&updates] { updates.checkForUpdates(); });
+
+    auto *row = new QHBoxLayout;
+    row->addWidget(automatic);
+    row->addStretch();
+    row->addWidget(check);
+    m_form->addRow(row);
+    if (!updates.isConfigured())
+        m_form->addRow(explanation(tr("Update checks are turned off in this build."), this));
+}
+
+void GeneralPane::addRecentsRows(MenuStore &store, SystemStrings &strings)
+{
+    const QString recentsTitle = strings.text(SystemString::Recents);
+    auto *heading = new QLabel(QStringLiteral("<b>%1</b>").arg(recentsTitle.toHtmlEscaped()), this);
+    heading->setAccessibleName(recentsTitle);
+    m_form->addRow(heading);
+
+    auto *limit = new QSpinBox(this);
+    limit->setRange(0, MenuStore::maximumRecents);
+    limit->setValue(std::clamp(store.recentsLimit(), 0, MenuStore::maximumRecents));
+    limit->setAccessibleName(strings.text(SystemString::NumberOfItems));
+    connect(limit, &QSpinBox::valueChanged, &store, &MenuStore::setRecentsLimit);
+    connect(&store, &MenuStore::recentsLimitChanged, limit, [limit, &store] {
+        const QSignalBlocker blocker(limit);
+        limit->setValue(std::clamp(store.recentsLimit(), 0, MenuStore::maximumRecents));
+    });
+    m_form->addRow(strings.text(SystemString::NumberOfItems), limit);
+
+    auto *clear = new QPushButton(strings.text(SystemString::ClearMenu), this);
+    clear->setEnabled(!store.recents().isEmpty());
+    connect(clear, &QPushButton::clicked, &store, [&store] { store.setRecents({}); });
+    connect(&store, &MenuStore::recentsChanged, clear,
+            [clear, &store] { clear->setEnabled(!store.recents().isEmpty()); });
+    auto *row = new QHBoxLayout;
+    row->addWidget(clear);
+    row->addStretch();
+    m_form->addRow(row);
 }

@@ -1,8 +1,11 @@
 #include "settings/settingswindow.h"
 
 #include "catalog/systemstrings.h"
+#include "config/preferences.h"
 #include "hotkeys/hotkeycenter.h"
 #include "hotkeys/hotkeyrecorder.h"
+#include "settings/applicationspane.h"
+#include "settings/contentpane.h"
 #include "settings/generalpane.h"
 #include "sources/contentsources.h"
 
@@ -11,10 +14,18 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+namespace {
+const QString geometryKey = QStringLiteral("SettingsWindowGeometry");
+} // namespace
+
 SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
     : QWidget(parent, Qt::Window)
+    , m_services(services)
     , m_tabs(new QTabWidget(this))
-    , m_general(new GeneralPane(services.preferences, services.store, services.updates, m_tabs))
+    , m_general(new GeneralPane(services.preferences, services.store, services.updates,
+                                services.sources.context().strings, m_tabs))
+    , m_content(new ContentPane(services, m_tabs))
+    , m_applications(new ApplicationsPane(services, m_tabs))
 {
     SystemStrings &strings = services.sources.context().strings;
     HotKeyCenters &hotKeys = services.hotKeys;
@@ -23,19 +34,25 @@ SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
         title.chop(1);
     setWindowTitle(QStringLiteral("Quillon ") + title);
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
+
     m_searchHotKey = new HotKeyRecorder(hotKeys.search(), hotKeys.others(hotKeys.search()),
                                         QStringLiteral("quillon --toggle-search"), m_general);
     m_menuHotKey =
         new HotKeyRecorder(hotKeys.menu(), hotKeys.others(hotKeys.menu()), QStringLiteral("quillon --menu"), m_general);
-    m_general->form()->addRow(tr("Search panel:"), m_searchHotKey);
-    m_general->form()->addRow(tr("Menu at the mouse:"), m_menuHotKey);
+    m_searchHotKey->setAccessibleName(strings.text(SystemString::Search));
+    m_menuHotKey->setAccessibleName(strings.text(SystemString::Menu));
+    m_general->form()->addRow(strings.text(SystemString::Search), m_searchHotKey);
+    m_general->form()->addRow(strings.text(SystemString::Menu), m_menuHotKey);
+
     m_tabs->addTab(m_general, strings.text(SystemString::General));
-    for (const QString &title : {strings.text(SystemString::Menus), strings.text(SystemString::Content),
-                                 services.sources.title(MenuSource::applications())})
-        m_tabs->addTab(new QWidget(m_tabs), title);
+    m_tabs->addTab(new QWidget(m_tabs), strings.text(SystemString::Menus));
+    m_tabs->addTab(m_content, strings.text(SystemString::Content));
+    m_tabs->addTab(m_applications, services.sources.title(MenuSource::applications()));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);
-    resize(720, 520);
+
+    resize(760, 560);
+    restoreGeometry(services.preferences.value(geometryKey).toByteArray());
 }
 
 void SettingsWindow::present()
@@ -43,4 +60,10 @@ void SettingsWindow::present()
     show();
     raise();
     activateWindow();
+}
+
+void SettingsWindow::hideEvent(QHideEvent *event)
+{
+    m_services.preferences.setValue(geometryKey, saveGeometry());
+    QWidget::hideEvent(event);
 }

@@ -4,12 +4,16 @@
 
 #include <QWidget>
 
+class ApplicationsPane;
+class ContentPane;
 class GeneralPane;
 class HotKeyRecorder;
 class QTabWidget;
 
 // The settings window: general options, the user's menus, the content and
 // layout of the status menu, and the applications with their favourites.
+// Every tab edits the store directly and follows it, so there is nothing to
+// apply or cancel. Remembers where it was.
 class SettingsWindow : public QWidget
 {
     Q_OBJECT
@@ -19,14 +23,22 @@ public:
 
     QTabWidget *tabs() const { return m_tabs; }
     GeneralPane *general() const { return m_general; }
+    ContentPane *content() const { return m_content; }
+    ApplicationsPane *applications() const { return m_applications; }
     HotKeyRecorder *searchHotKey() const { return m_searchHotKey; }
     HotKeyRecorder *menuHotKey() const { return m_menuHotKey; }
     // Shows the window in front, with the keyboard.
     void present();
 
+protected:
+    void hideEvent(QHideEvent *event) override;
+
 private:
+    SettingsServices m_services;
     QTabWidget *m_tabs;
     GeneralPane *m_general;
+    ContentPane *m_content;
+    ApplicationsPane *m_applications;
     HotKeyRecorder *m_searchHotKey = nullptr;
     HotKeyRecorder *m_menuHotKey = nullptr;
 };

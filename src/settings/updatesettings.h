@@ -10,4 +10,6 @@ public:
     virtual bool isConfigured() const = 0;
     virtual bool automaticallyChecksForUpdates() const = 0;
     virtual void setAutomaticallyChecksForUpdates(bool enabled) = 0;
+    // The user asked: check now and show the outcome.
+    virtual void checkForUpdates() = 0;
 };

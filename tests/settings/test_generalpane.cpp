@@ -1,4 +1,5 @@
 #include "app/updates.h"
+#include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "platform/loginitem.h"
@@ -23,7 +24,7 @@ private Q_SLOTS:
         Preferences preferences(home.filePath(QStringLiteral("Quillon.conf")));
         MenuStore store(preferences);
         Updates updates(preferences, QUrl(QStringLiteral("http://127.0.0.1:9/appcast.xml")), QStringLiteral("1.0"));
-        GeneralPane pane(preferences, store, updates);
+        GeneralPane pane(preferences, store, updates, SystemStrings::shared());
 
         const auto boxes = pane.findChildren<QCheckBox *>();
         QCOMPARE(boxes.size(), 3);

@@ -1,0 +1,124 @@
+#include "config/menustore.h"
+#include "config/preferences.h"
+#include "fixtures.h"
+#include "settings/favoriteappsmodel.h"
+#include "settings/layoutmodel.h"
+#include "sources/shortcutlibrary.h"
+
+#include <QAbstractItemModelTester>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+// The models behind the Content and Applications tabs: what they show, what
+// an edit does to the store, and that a change made elsewhere reaches them.
+class TestSettingsModels : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    TestCatalog m_settings;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<MenuStore> m_store;
+    std::unique_ptr<ShortcutLibrary> m_shortcuts;
+
+    QStringList titles(const QAbstractItemModel &model, int column = 0) const
+    {
+        QStringList result;
+        for (int row = 0; row < model.rowCount(); ++row)
+            result.append(model.index(row, column).data().toString());
+        return result;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        static int n = 0;
+        m_store.reset();
+        m_preferences = std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("p%1.conf").arg(++n)));
+        m_store = std::make_unique<MenuStore>(*m_preferences);
+        m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
+        m_settings.set({{QStringLiteral("wifi")}}, {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"))});
+    }
+
+    void layoutRowsEditAndFollowTheStore()
+    {
+        LayoutModel model(*m_store, m_settings.sources(*m_store, *m_shortcuts));
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(titles(model), (QStringList{"Applications", "System Settings", "Shortcuts", "Recents"}));
+        QCOMPARE(titles(model, LayoutModel::StyleColumn), (QStringList{"Submenu", "Submenu", "Submenu", "Submenu"}));
+
+        // A style chosen here is saved at once.
+        QVERIFY(model.setData(model.index(3, LayoutModel::StyleColumn), int(SourceStyle::Hidden), Qt::EditRole));
+        QCOMPARE(MenuStore(*m_preferences).layout().at(3).style, SourceStyle::Hidden);
+        QCOMPARE(model.index(3, LayoutModel::StyleColumn).data().toString(), QStringLiteral("Don’t Show"));
+        QVERIFY(!model.setData(model.index(3, LayoutModel::StyleColumn), 7, Qt::EditRole));
+
+        // Changes made elsewhere show: a folder that does not exist, a separator.
+        m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("Gone/"))));
+        m_store->addSeparator();
+        QCOMPARE(model.rowCount(), 6);
+        const QModelIndex folder = model.index(int(titles(model).indexOf(QStringLiteral("Gone"))), 0);
+        QCOMPARE(folder.data().toString(), QStringLiteral("Gone"));
+        QVERIFY(!folder.data(LayoutModel::IsAvailableRole).toBool());
+        QCOMPARE(folder.data(Qt::ToolTipRole).toString(), QStringLiteral("Not Available"));
+        QVERIFY(folder.data(LayoutModel::IsRemovableRole).toBool());
+        QVERIFY(!model.index(2, 0).data(LayoutModel::IsRemovableRole).toBool());
+        // Separators have no style to choose.
+        const int separator = int(titles(model).indexOf(QStringLiteral("Separator")));
+        QVERIFY(separator >= 0);
+        QVERIFY(!(model.flags(model.index(separator, LayoutModel::StyleColumn)) & Qt::ItemIsEditable));
+    }
+
+    void draggedRowsMoveAsOneBlock()
+    {
+        LayoutModel model(*m_store, m_settings.sources(*m_store, *m_shortcuts));
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        // Shortcuts and Applications, dragged together, dropped in front of Recents.
+        std::unique_ptr<QMimeData> data(model.mimeData({model.index(2, 0), model.index(0, 1), model.index(0, 0)}));
+        QVERIFY(data->hasFormat(QLatin1String(DraggedSource::mimeType)));
+        QVERIFY(model.canDropMimeData(data.get(), Qt::MoveAction, 3, 0, {}));
+        model.dropMimeData(data.get(), Qt::MoveAction, 3, 0, {});
+        QCOMPARE(titles(model), (QStringList{"System Settings", "Applications", "Shortcuts", "Recents"}));
+        // Dropped below the last row: to the end.
+        data.reset(model.mimeData({model.index(0, 0)}));
+        model.dropMimeData(data.get(), Qt::MoveAction, -1, -1, {});
+        QCOMPARE(titles(model), (QStringList{"Applications", "Shortcuts", "Recents", "System Settings"}));
+        QCOMPARE(MenuStore(*m_preferences).layout().last().source, MenuSource::systemSettings());
+        // Anything else is refused.
+        QMimeData foreign;
+        foreign.setText(QStringLiteral("applications"));
+        QVERIFY(!model.canDropMimeData(&foreign, Qt::MoveAction, 0, 0, {}));
+        QVERIFY(!model.canDropMimeData(data.get(), Qt::CopyAction, 0, 0, {}));
+    }
+
+    void favouritesAreTickedAndFollowed()
+    {
+        const App zed{QStringLiteral("Zed"), QUrl(QStringLiteral("file:///apps/zed.desktop")), {}};
+        const App atlas{QStringLiteral("Atlas"), QUrl(QStringLiteral("file:///apps/atlas.desktop")), {}};
+        int scans = 0;
+        FavoriteAppsModel model(*m_store, [&] {
+            ++scans;
+            return QList<AppEntry>{AppFolder{QStringLiteral("Tools"), {}, {}, {zed}}, atlas};
+        });
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(model.rowCount(), 0); // nothing is scanned before the tab shows
+        model.load();
+        model.load();
+        QCOMPARE(scans, 1);
+        QCOMPARE(titles(model), (QStringList{"Atlas", "Zed"}));
+
+        QVERIFY(model.setData(model.index(1), Qt::Checked, Qt::CheckStateRole));
+        QVERIFY(m_store->isFavorite(zed.url));
+        QVERIFY(MenuStore(*m_preferences).isFavorite(zed.url));
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        m_store->setFavorite(true, atlas.url);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(model.index(0).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Checked);
+    }
+};
+
+QTEST_MAIN(TestSettingsModels)
+#include "test_settingsmodels.moc"
