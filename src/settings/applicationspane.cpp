@@ -28,10 +28,12 @@ ApplicationsPane::ApplicationsPane(const SettingsServices &services, QWidget *pa
     m_show->addItem(strings.text(SystemString::Favorites), true);
     m_show->setAccessibleName(showTitle);
     m_show->setCurrentIndex(store.showsOnlyFavoriteApps() ? 1 : 0);
-    connect(m_show, &QComboBox::activated, &store,
+    connect(m_show, &QComboBox::currentIndexChanged, &store,
             [this, &store] { store.setShowsOnlyFavoriteApps(m_show->currentData().toBool()); });
-    connect(&store, &MenuStore::showsOnlyFavoriteAppsChanged, m_show,
-            [this, &store] { m_show->setCurrentIndex(store.showsOnlyFavoriteApps() ? 1 : 0); });
+    connect(&store, &MenuStore::showsOnlyFavoriteAppsChanged, m_show, [this, &store] {
+        const QSignalBlocker blocker(m_show);
+        m_show->setCurrentIndex(store.showsOnlyFavoriteApps() ? 1 : 0);
+    });
 
     m_filter->setPlaceholderText(strings.text(SystemString::Search));
     m_filter->setAccessibleName(strings.text(SystemString::Search));

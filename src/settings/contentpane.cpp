@@ -18,6 +18,17 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+namespace {
+
+// Not QPushButton::setMenu: its menu runs a nested event loop, which holds up
+// screen readers asking the window anything while it is open.
+void popUpBelow(QWidget *button, QMenu *menu)
+{
+    menu->popup(button->mapToGlobal(QPoint(0, button->height())));
+}
+
+} // namespace
+
 ContentPane::ContentPane(const SettingsServices &services, QWidget *parent)
     : QWidget(parent)
     , m_services(services)
@@ -49,25 +60,30 @@ ContentPane::ContentPane(const SettingsServices &services, QWidget *parent)
             m_services.store.addFolder(QUrl::fromLocalFile(folder + QLatin1Char('/')));
     });
 
-    m_addShortcut = new QPushButton(strings.text(SystemString::AddShortcut), this);
-    m_addShortcut->setMenu(new QMenu(m_addShortcut));
-    connect(m_addShortcut->menu(), &QMenu::aboutToShow, this, &ContentPane::fillShortcutMenu);
+    m_addShortcut = new QPushButton(strings.text(SystemString::AddShortcut) + QStringLiteral("…"), this);
+    m_addShortcut->setAccessibleName(strings.text(SystemString::AddShortcut));
+    m_shortcutMenu = new QMenu(m_addShortcut);
+    connect(m_addShortcut, &QPushButton::clicked, this, [this] {
+        fillShortcutMenu();
+        popUpBelow(m_addShortcut, m_shortcutMenu);
+    });
 
     auto *separator = new QPushButton(strings.text(SystemString::Separator), this);
     connect(separator, &QPushButton::clicked, &services.store, &MenuStore::addSeparator);
 
-    m_options = new QToolButton(this);
-    m_options->setText(strings.text(SystemString::Options));
+    m_options = new QPushButton(strings.text(SystemString::Options) + QStringLiteral("…"), this);
     m_options->setAccessibleName(strings.text(SystemString::Options));
-    m_options->setPopupMode(QToolButton::InstantPopup);
-    m_options->setMenu(new QMenu(m_options));
-    connect(m_options->menu(), &QMenu::aboutToShow, this, &ContentPane::fillOptionsMenu);
+    m_optionsMenu = new QMenu(m_options);
+    connect(m_options, &QPushButton::clicked, this, [this] {
+        fillOptionsMenu();
+        popUpBelow(m_options, m_optionsMenu);
+    });
 
     m_style = new QComboBox(this);
     for (const auto style : {SourceStyle::Inline, SourceStyle::Submenu, SourceStyle::Hidden})
         m_style->addItem(m_model->styleName(style), int(style));
     m_style->setAccessibleName(strings.text(SystemString::Show));
-    connect(m_style, &QComboBox::activated, this, &ContentPane::applyStyle);
+    connect(m_style, &QComboBox::currentIndexChanged, this, &ContentPane::applyStyle);
     auto *styleLabel = new QLabel(strings.text(SystemString::Show), this);
     styleLabel->setBuddy(m_style);
 
@@ -104,12 +120,19 @@ ContentPane::ContentPane(const SettingsServices &services, QWidget *parent)
     layout->addLayout(buttons);
 
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &ContentPane::selectionChanged);
-    connect(m_model, &QAbstractItemModel::modelReset, this, &ContentPane::selectionChanged);
+    // The store's changes reset the rows; what was selected stays selected.
+    connect(m_model, &QAbstractItemModel::modelAboutToBeReset, this, [this] { m_keptSelection = selectedSources(); });
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+        select(m_keptSelection);
+        selectionChanged();
+    });
     selectionChanged();
 }
 
 void ContentPane::applyStyle()
 {
+    if (m_style->currentIndex() < 0)
+        return;
     const auto style = SourceStyle(m_style->currentData().toInt());
     for (const auto &source : selectedSources())
         m_services.store.setStyle(style, source);
@@ -139,10 +162,13 @@ void ContentPane::moveSelected(int step)
     else if (last + 1 >= m_model->rowCount())
         return;
     m_services.store.move(moving, before);
-    // The rows keep their selection where they went.
+}
+
+void ContentPane::select(const QList<MenuSource> &sources)
+{
     QItemSelection selection;
     for (int row = 0; row < m_model->rowCount(); ++row) {
-        if (moving.contains(m_model->source(row)))
+        if (sources.contains(m_model->source(row)))
             selection.select(m_model->index(row, 0), m_model->index(row, LayoutModel::ColumnCount - 1));
     }
     m_view->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
@@ -172,6 +198,7 @@ void ContentPane::selectionChanged()
             styles.insert(m_model->index(index.row(), LayoutModel::StyleColumn).data(Qt::EditRole).toInt());
     }
     m_style->setEnabled(!styles.isEmpty());
+    const QSignalBlocker blocker(m_style);
     m_style->setCurrentIndex(styles.size() == 1 ? m_style->findData(*styles.begin()) : -1);
     m_options->setEnabled(rows.size() == 1 && m_model->source(rows.first().row()).kind() == MenuSource::Case::Folder);
 }
@@ -189,7 +216,7 @@ void ContentPane::removeSelected()
 
 void ContentPane::fillShortcutMenu()
 {
-    QMenu *menu = m_addShortcut->menu();
+    QMenu *menu = m_shortcutMenu;
     menu->clear();
     const ShortcutLibrary &library = m_services.sources.context().shortcuts;
     const auto &snapshot = library.snapshot();
@@ -211,7 +238,7 @@ void ContentPane::fillShortcutMenu()
 
 void ContentPane::fillOptionsMenu()
 {
-    QMenu *menu = m_options->menu();
+    QMenu *menu = m_optionsMenu;
     menu->clear();
     const auto sources = selectedSources();
     if (sources.size() != 1 || sources.first().kind() != MenuSource::Case::Folder)

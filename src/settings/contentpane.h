@@ -8,7 +8,7 @@
 class LayoutModel;
 class QComboBox;
 class QPushButton;
-class QToolButton;
+class QMenu;
 class QTreeView;
 
 // The layout of the status menu: one row per source in menu order, each
@@ -34,12 +34,16 @@ private:
     void fillShortcutMenu();
     void fillOptionsMenu();
     QList<MenuSource> selectedSources() const;
+    void select(const QList<MenuSource> &sources);
 
     SettingsServices m_services;
     LayoutModel *m_model;
     QTreeView *m_view;
     QComboBox *m_style;
     QPushButton *m_addShortcut;
+    QMenu *m_shortcutMenu;
     QPushButton *m_remove;
-    QToolButton *m_options;
+    QPushButton *m_options;
+    QMenu *m_optionsMenu;
+    QList<MenuSource> m_keptSelection;
 };
