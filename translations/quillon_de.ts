@@ -528,14 +528,28 @@
     </message>
 </context>
 <context>
-    <name>SettingsWindow</name>
+    <name>GeneralPane</name>
     <message>
-        <source>Search panel:</source>
-        <translation>Suche:</translation>
+        <source>Update checks are turned off in this build.</source>
+        <translation>Die Suche nach Updates ist in diesem Build abgeschaltet.</translation>
+    </message>
+</context>
+<context>
+    <name>ContentPane</name>
+    <message>
+        <source>Move Up</source>
+        <translation>Nach oben</translation>
     </message>
     <message>
-        <source>Menu at the mouse:</source>
-        <translation>Menü am Mauszeiger:</translation>
+        <source>Move Down</source>
+        <translation>Nach unten</translation>
+    </message>
+</context>
+<context>
+    <name>LoginItem</name>
+    <message>
+        <source>%1 cannot be written, so Quillon cannot start at login.</source>
+        <translation>%1 ist nicht beschreibbar, daher kann Quillon nicht bei der Anmeldung starten.</translation>
     </message>
 </context>
 </TS>
