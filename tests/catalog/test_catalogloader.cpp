@@ -2,7 +2,9 @@
 #include "catalog/catalogloader.h"
 #include "jsontext.h"
 
+#include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -154,6 +156,41 @@ private Q_SLOTS:
                  QStringLiteral("No catalog in the app bundle's Catalogs folder"));
         QCOMPARE(loadCatalog(environment(empty.filePath(QStringLiteral("missing")), {})).error(),
                  QStringLiteral("No catalog in the app bundle's Catalogs folder"));
+    }
+
+    void aliasTableDecides()
+    {
+        QTemporaryDir root;
+        QVERIFY(QDir(root.path()).mkpath(QStringLiteral("gnome")));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/43.json")), JSON({"osVersion": "43", "sections": [], "panes": []})));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/46.json")), JSON({"osVersion": "46", "sections": [], "panes": []})));
+        // 45 shares 43's document although 46 is not newer than 45.9.
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/aliases.json")), JSON({"45": "43.json"})));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("45.xml")), "<component><releases><release version=\"45.9\"/></releases></component>"));
+        CatalogEnvironment env{root.path(), {QStringLiteral("GNOME")},
+                               {{QStringLiteral("gnome"), QStringLiteral("fake-gnome-settings"), {root.filePath(QStringLiteral("45.xml"))}}},
+                               {QStringLiteral("/nonexistent")}};
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json: .*served by release 45's catalog")));
+        QCOMPARE(loadCatalog(env).value().osVersion, QStringLiteral("43"));
+
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/aliases.json")), JSON({"45": 43})));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("aliases.json: .*not a release and a file name")));
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json")));
+        QCOMPARE(loadCatalog(env).value().osVersion, QStringLiteral("43"));
+    }
+
+    void machineWithoutEitherDesktopLogsTheFallback()
+    {
+        // Neither a session desktop nor a settings program: gnome, oldest.
+        QTest::ignoreMessage(QtInfoMsg,
+                             QRegularExpression(QStringLiteral("^Catalog gnome/43.json: no desktop of the session has a "
+                                                               "catalog and none of fake-gnome-settings, "
+                                                               "fake-kde-settings is installed; .*version is unknown")));
+        auto env = environment(documents, {"X-Cinnamon"});
+        env.programs[0].metainfoPaths = {QStringLiteral("/nonexistent.xml")};
+        const auto catalog = loadCatalog(env);
+        QVERIFY2(catalog.ok(), qPrintable(catalog.error()));
+        QCOMPARE(catalog.value().osVersion, QStringLiteral("43"));
     }
 
     void fullDocumentDecodes()
