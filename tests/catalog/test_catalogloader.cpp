@@ -158,6 +158,50 @@ private Q_SLOTS:
                  QStringLiteral("No catalog in the app bundle's Catalogs folder"));
     }
 
+    // The AppStream files of real releases, against the shipped catalogs.
+    void shippedCatalogForEachRelease_data()
+    {
+        QTest::addColumn<QString>("desktop");
+        QTest::addColumn<QString>("metainfo");
+        QTest::addColumn<QString>("versionAnswer");
+        QTest::addColumn<QString>("osVersion");
+        // 43 and 44 list no release: the program's --version tells.
+        QTest::newRow("GNOME 43.6") << "gnome" << "org.gnome.Settings-43.6" << "gnome-control-center 43.6" << "43.6";
+        QTest::newRow("GNOME 44.4") << "gnome" << "org.gnome.Settings-44.4" << "gnome-control-center 44.4" << "44.4";
+        QTest::newRow("GNOME 44, no answer") << "gnome" << "org.gnome.Settings-44.4" << "" << "43.6";
+        QTest::newRow("GNOME 45.5") << "gnome" << "org.gnome.Settings-45.5" << "" << "45.5";
+        QTest::newRow("GNOME 46.8") << "gnome" << "org.gnome.Settings-46.8" << "" << "46.8";
+        QTest::newRow("GNOME 47.7") << "gnome" << "org.gnome.Settings-47.7" << "" << "47.7";
+        QTest::newRow("GNOME 48.7") << "gnome" << "org.gnome.Settings-48.7" << "" << "48.7";
+        // 49.9's file names 49.8 as its newest release; 49 and 50 share 48's.
+        QTest::newRow("GNOME 49.9") << "gnome" << "org.gnome.Settings-49.9" << "" << "48.7";
+        QTest::newRow("GNOME 50.4") << "gnome" << "org.gnome.Settings-50.4" << "" << "48.7";
+        QTest::newRow("Plasma 5.27") << "kde" << "org.kde.systemsettings-5.27.12" << "" << "5.27.5";
+    }
+
+    void shippedCatalogForEachRelease()
+    {
+        QFETCH(QString, desktop);
+        QFETCH(QString, metainfo);
+        QFETCH(QString, versionAnswer);
+        QFETCH(QString, osVersion);
+        QTemporaryDir bin;
+        QVERIFY(bin.isValid());
+        const QString program = bin.filePath(QStringLiteral("fake-settings"));
+        const QByteArray script = versionAnswer.isEmpty() ? "#!/bin/sh\nexit 1\n"
+                                                          : "#!/bin/sh\necho " + versionAnswer.toUtf8() + "\n";
+        QVERIFY(writeFile(program, script));
+        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+        const CatalogEnvironment shipped{QStringLiteral(CATALOG_RESOURCES),
+                                         {desktop},
+                                         {{desktop, QStringLiteral("fake-settings"),
+                                           {QStringLiteral(CATALOG_TEST_DATA "/metainfo/") + metainfo + QStringLiteral(".metainfo.xml")}}},
+                                         {bin.path()}};
+        const auto catalog = loadCatalog(shipped);
+        QVERIFY2(catalog.ok(), qPrintable(catalog.error()));
+        QCOMPARE(catalog.value().osVersion, osVersion);
+    }
+
     void aliasTableDecides()
     {
         QTemporaryDir root;

@@ -129,13 +129,16 @@ def installed_version(desktop):
     return parse_version(words[-1]) if done.returncode == 0 and words else None
 
 
-def chosen_catalog(files, running):
-    """The file Quillon picks for a running version: the newest not newer."""
-    ordered = sorted(files, key=lambda f: version_key(files[f]))
-    for name in reversed(ordered):
-        if version_key(files[name]) <= version_key(running):
-            return name
-    return ordered[0]
+def chosen_catalog(files, running, aliases=None):
+    """The file Quillon picks for a running version: the newest release not
+    newer, through the alias table when that release shares a document."""
+    releases = {f: (v, f) for f, v in files.items()}
+    releases.update(aliases or {})
+    ordered = sorted(releases.values(), key=lambda r: version_key(r[0]))
+    for parts, path in reversed(ordered):
+        if version_key(parts) <= version_key(running):
+            return path
+    return ordered[0][1]
 
 
 def gnome_panels(program):
