@@ -128,7 +128,13 @@ class CatalogChecker:
         key = self.require(place, ref, "key", "string")
         if table is None or key is None:
             return
-        if not table.startswith("/"):
+        if table.endswith(".so"):
+            # A Qt plugin's metadata, %p standing for Qt's plugin folders.
+            if not table.startswith(("/", "%p/")):
+                self.fail(place, f"plugin \"{table}\" is neither an absolute path nor under %p/")
+            elif key not in ("Name", "Description"):
+                self.fail(place, f"plugin metadata key \"{key}\" is not a localized name")
+        elif not table.startswith("/"):
             self.fail(place, f"table \"{table}\" is not an absolute path")
         elif table.endswith(".mo"):
             if "%l" not in table:

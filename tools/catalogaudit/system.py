@@ -71,7 +71,11 @@ class StringTables:
 
     def localizations(self, table):
         if table not in self.cache:
-            if "%l" in table:
+            if table.endswith(".so"):
+                # Plugin metadata is CBOR inside the library; Quillon reads it
+                # through Qt, this audit does not.
+                self.cache[table] = None
+            elif "%l" in table:
                 pattern = table.replace("%l", "*")
                 found = {}
                 for path in sorted(glob.glob(pattern)):
