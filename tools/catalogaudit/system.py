@@ -27,6 +27,9 @@ DESKTOPS = {
 }
 
 
+CHECKED_LOCALE = "de"
+
+
 def read_mo_ids(path):
     """The msgids of a GNU MO file (with their context prefix), or None."""
     try:
@@ -97,6 +100,17 @@ class StringTables:
             return key in keys and any(k.startswith(key + "[") for k in keys)
         return any(key in ids for ids in tables.values())
 
+    def resolves_in(self, table, key, locale):
+        """Whether the key has a translation for the locale; None when the table is absent."""
+        tables = self.localizations(table)
+        if tables is None:
+            return None
+        if table.endswith(".desktop"):
+            keys = next(iter(tables.values()))
+            return f"{key}[{locale}]" in keys
+        path = table.replace("%l", locale)
+        return path in tables and key in tables[path]
+
     def desktop_value(self, table, key):
         """The untranslated value of a desktop entry key, None for other tables."""
         if not table.endswith(".desktop"):
@@ -157,6 +171,19 @@ def gnome_panels(program):
     return {line for line in lines[1:] if line}, None
 
 
+def kde_modules():
+    """The settings modules installed: plugins under Qt's plasma/kcms folders,
+    their generated launchers and the older service files."""
+    found = set()
+    for root in ("/usr/lib/*/qt[56]/plugins", "/usr/lib64/qt[56]/plugins", "/usr/lib/qt[56]/plugins",
+                 "/usr/lib/*/plugins", "/usr/lib64/plugins"):
+        pattern = f"{root}/plasma/kcms/**/*.so"
+        found.update(os.path.basename(p)[:-len(".so")] for p in glob.glob(pattern, recursive=True))
+    for pattern in ("/usr/share/applications/kcm*.desktop", "/usr/share/kservices5/*.desktop"):
+        found.update(os.path.basename(p)[:-len(".desktop")] for p in glob.glob(pattern))
+    return found
+
+
 def panel_of(url, desktop):
     return url[len(f"settings://{desktop}/"):].split("/")[0]
 
@@ -207,6 +234,13 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
                 audit.fail(where, f"{title} {shown} offers panel \"{panel}\", which no pane opens")
             audit.note(where, f"{len(panels)} panels of {title} {shown} compared with the panes' URLs")
 
+    elif desktop == "kde":
+        modules = kde_modules()
+        used = {panel_of(r["url"], desktop) for _, r in walk_records(panes) if isinstance(r.get("url"), str)}
+        for module in sorted(used - modules):
+            audit.fail(where, f"module \"{module}\" is not installed with {title} {shown}")
+        audit.note(where, f"{len(used)} modules compared with the {len(modules)} installed settings modules")
+
     names = icon_names()
     icons, shortened = 0, 0
     for place, record in walk_records(panes):
@@ -228,7 +262,7 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
                       f" ({shortened} through a shorter form)")
 
     tables = StringTables()
-    resolved, absent = 0, set()
+    resolved, absent, german = 0, set(), 0
     for place, ref, english in checker.string_refs:
         found = tables.resolves(ref["table"], ref["key"])
         if found is None:
@@ -240,6 +274,14 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
                 audit.fail(f"{where} {place}", f"{ref['table']} calls it \"{written}\", not \"{english}\"")
         else:
             audit.fail(f"{where} {place}", f"\"{ref['key']}\" is in no locale of {ref['table']}")
-    audit.note(where, f"{resolved} string references resolve in the installed tables")
+            continue
+        # German stands for every language: a label the installed
+        # translations lack stays English for everyone.
+        if tables.resolves_in(ref["table"], ref["key"], CHECKED_LOCALE) is False:
+            audit.fail(f"{where} {place}", f"\"{ref['key']}\" has no {CHECKED_LOCALE} translation in {ref['table']}")
+        else:
+            german += 1
+    audit.note(where, f"{resolved} string references resolve in the installed tables, "
+                      f"{german} of them in {CHECKED_LOCALE}")
     for table in sorted(absent):
         audit.note(where, f"not checked: {table} is not installed")
