@@ -202,6 +202,31 @@ private Q_SLOTS:
         QCOMPARE(catalog.value().osVersion, osVersion);
     }
 
+    // Every copied AppStream file, GNOME's and Plasma's: the newest release it
+    // names, as the settings program's version.
+    void realMetainfoFilesName_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("newest");
+        const QDir folder(QStringLiteral(CATALOG_TEST_DATA "/metainfo"));
+        for (const QString &name : folder.entryList({QStringLiteral("*.metainfo.xml")})) {
+            // org.kde.systemsettings-6.0.5.metainfo.xml was copied from tag 6.0.5.
+            QString tag = name.section(u'-', 1).section(QStringLiteral(".metainfo"), 0, 0);
+            if (tag == u"43.6" || tag == u"44.4")
+                tag.clear(); // these list no release at all
+            else if (tag == u"49.9")
+                tag = QStringLiteral("49.8"); // 49.9 entered its release as a second 49.8
+            QTest::newRow(qPrintable(name)) << folder.filePath(name) << tag;
+        }
+    }
+
+    void realMetainfoFilesName()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, newest);
+        QCOMPARE(metainfoVersion(file), OSVersion::parse(newest));
+    }
+
     void aliasTableDecides()
     {
         QTemporaryDir root;
