@@ -24,7 +24,8 @@ void appendDescendantURLs(const Pane &pane, const Catalog &catalog, QSet<QString
     for (const Item &item : pane.items())
         result.append(item.url);
     for (const Pane &child : pane.childPanes(catalog)) {
-        result.append(child.url);
+        if (!child.url.isEmpty())
+            result.append(child.url);
         if (path.contains(child.id))
             continue;
         path.insert(child.id);

@@ -96,6 +96,7 @@ struct Pane {
     QString id;
     QString name;
     std::optional<StringRef> nameRef;
+    // Empty for a pane that only heads its children and opens nothing.
     QUrl url;
     IconSpec icon;
     QList<ItemSection> sections;

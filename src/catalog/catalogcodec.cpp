@@ -42,6 +42,17 @@ Decoded<T> decodeRecord(const QJsonValue &json, const char *what, Fill fill)
     return record;
 }
 
+// A pane that only heads its children has no page of its own, so no URL;
+// it stays an empty URL rather than borrowing one of its children's.
+bool readPaneUrl(const QJsonObject &o, QUrl &target, QString &error)
+{
+    std::optional<QUrl> url;
+    if (!readOptional(o, "url", url, error))
+        return false;
+    target = url.value_or(QUrl());
+    return true;
+}
+
 } // namespace
 
 template<>
@@ -153,7 +164,7 @@ Decoded<Pane> decode(const QJsonValue &json)
         if (!readField(o, "id", pane.id, error))
             return false;
         if (readField(o, "name", pane.name, error) && readOptional(o, "nameRef", pane.nameRef, error)
-            && readField(o, "url", pane.url, error) && readField(o, "sections", pane.sections, error)
+            && readPaneUrl(o, pane.url, error) && readField(o, "sections", pane.sections, error)
             && readOptional(o, "children", pane.children, error) && take(decodeIconSpec(o), pane.icon, error))
             return true;
         // Past its id, the id says which pane is broken.

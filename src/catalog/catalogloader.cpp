@@ -6,11 +6,18 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLoggingCategory>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QXmlStreamReader>
 
 #include <algorithm>
 #include <cstdlib>
+
+Q_LOGGING_CATEGORY(lcCatalog, "quillon.catalog")
 
 namespace {
 
@@ -30,6 +37,14 @@ std::optional<QString> catalogFolder(const QString &root, const QString &desktop
 bool isInstalled(const CatalogEnvironment &environment, const QString &executable)
 {
     return !QStandardPaths::findExecutable(executable, environment.searchPaths).isEmpty();
+}
+
+QString versionText(const OSVersion &version)
+{
+    QStringList parts;
+    for (const qint64 part : version.parts)
+        parts.append(QString::number(part));
+    return parts.join(u'.');
 }
 
 std::optional<SettingsProgram> programFor(const CatalogEnvironment &environment, const QString &desktop)
@@ -67,18 +82,52 @@ CatalogEnvironment CatalogEnvironment::system()
     };
 }
 
-QString chooseDesktop(const CatalogEnvironment &environment)
+QString chooseDesktop(const CatalogEnvironment &environment, QString *reason)
 {
+    const auto because = [reason](const QString &text) {
+        if (reason)
+            *reason = text;
+    };
     for (const QString &desktop : environment.currentDesktops) {
-        if (const auto folder = catalogFolder(environment.resourceRoot, desktop.trimmed()))
+        if (const auto folder = catalogFolder(environment.resourceRoot, desktop.trimmed())) {
+            because(QStringLiteral("the session's desktop is %1").arg(desktop.trimmed()));
             return *folder;
+        }
     }
+    QStringList executables;
     for (const SettingsProgram &program : environment.programs) {
         const auto folder = catalogFolder(environment.resourceRoot, program.desktop);
-        if (folder && isInstalled(environment, program.executable))
+        if (folder && isInstalled(environment, program.executable)) {
+            because(QStringLiteral("no desktop of the session has a catalog, and %1 is installed").arg(program.executable));
             return *folder;
+        }
+        executables.append(program.executable);
     }
+    because(QStringLiteral("no desktop of the session has a catalog and none of %1 is installed")
+                .arg(executables.join(QStringLiteral(", "))));
     return QStringLiteral("gnome");
+}
+
+Decoded<QMap<QString, QString>> readAliases(const QString &path)
+{
+    using Aliases = QMap<QString, QString>;
+    QFile file(path);
+    if (!file.exists())
+        return Aliases();
+    if (!file.open(QIODevice::ReadOnly))
+        return Decoded<Aliases>::failure(file.errorString());
+    QJsonParseError error;
+    const QJsonDocument json = QJsonDocument::fromJson(file.readAll(), &error);
+    if (error.error != QJsonParseError::NoError || !json.isObject())
+        return Decoded<Aliases>::failure(QStringLiteral("expected an object of release names to file names"));
+    Aliases aliases;
+    const QJsonObject object = json.object();
+    for (auto it = object.constBegin(); it != object.constEnd(); ++it) {
+        if (!it->isString() || !OSVersion::parse(it.key()))
+            return Decoded<Aliases>::failure(QStringLiteral("\"%1\" is not a release and a file name").arg(it.key()));
+        aliases.insert(it.key(), it->toString());
+    }
+    return aliases;
 }
 
 std::optional<OSVersion> metainfoVersion(const QString &path)
@@ -98,6 +147,29 @@ std::optional<OSVersion> metainfoVersion(const QString &path)
     if (xml.hasError())
         return std::nullopt;
     return newest;
+}
+
+std::optional<OSVersion> programVersion(const CatalogEnvironment &environment, const QString &executable)
+{
+    const QString path = QStandardPaths::findExecutable(executable, environment.searchPaths);
+    if (path.isEmpty())
+        return std::nullopt;
+    QProcess process;
+    // Neither program needs a display to print its version; keep Qt's one
+    // from looking for one.
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    process.setProcessEnvironment(env);
+    process.start(path, {QStringLiteral("--version")}, QIODevice::ReadOnly);
+    if (!process.waitForFinished(5000)) {
+        process.kill();
+        process.waitForFinished(1000);
+        return std::nullopt;
+    }
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return std::nullopt;
+    const QStringList words = QString::fromUtf8(process.readAllStandardOutput()).split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    return words.isEmpty() ? std::nullopt : OSVersion::parse(words.last());
 }
 
 std::optional<QString> chooseDocument(const QStringList &files, const std::optional<OSVersion> &running)
@@ -127,26 +199,64 @@ std::optional<QString> chooseDocument(const QStringList &files, const std::optio
 
 Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment)
 {
-    const QString desktop = chooseDesktop(environment);
+    QString desktopReason;
+    const QString desktop = chooseDesktop(environment, &desktopReason);
     const QDir folder(environment.resourceRoot + u'/' + desktop);
     QStringList files;
     for (const QString &name : folder.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name))
         files.append(folder.filePath(name));
 
+    // A release that shares an older release's document takes part in the
+    // choice under its own name and then reads the shared file.
+    const auto aliases = readAliases(folder.filePath(QStringLiteral("aliases.json")));
+    if (!aliases)
+        qCWarning(lcCatalog, "%s: %s", qUtf8Printable(folder.filePath(QStringLiteral("aliases.json"))),
+                  qUtf8Printable(aliases.error()));
+    QHash<QString, QString> sharedFiles;
+    if (aliases) {
+        for (auto it = aliases.value().constBegin(); it != aliases.value().constEnd(); ++it) {
+            const QString name = folder.filePath(it.key() + QStringLiteral(".json"));
+            files.append(name);
+            sharedFiles.insert(name, folder.filePath(it.value()));
+        }
+    }
+
     std::optional<OSVersion> running;
+    QString versionSource;
     if (const auto program = programFor(environment, desktop)) {
         for (const QString &path : program->metainfoPaths) {
-            if ((running = metainfoVersion(path)))
+            if ((running = metainfoVersion(path))) {
+                versionSource = path;
                 break;
+            }
         }
+        if (!running && (running = programVersion(environment, program->executable)))
+            versionSource = program->executable + QStringLiteral(" --version");
     }
 
     const auto chosen = chooseDocument(files, running);
     if (!chosen)
         return Decoded<Catalog>::failure(noCatalogMessage);
+    const QString path = sharedFiles.value(*chosen, *chosen);
 
-    const QString name = QFileInfo(*chosen).fileName();
-    QFile file(*chosen);
+    QString versionReason;
+    if (!running) {
+        versionReason = QStringLiteral("the settings program's version is unknown (no AppStream release, no "
+                                       "answer to --version), so the oldest catalog");
+    } else {
+        const auto release = OSVersion::parse(QFileInfo(*chosen).completeBaseName());
+        versionReason = QStringLiteral("%1 names release %2").arg(versionSource, versionText(*running));
+        if (release && *running < *release)
+            versionReason += QStringLiteral(", older than every catalog, so the oldest");
+        else if (*chosen != path)
+            versionReason += QStringLiteral(", served by release %1's catalog (aliases.json)")
+                                 .arg(QFileInfo(*chosen).completeBaseName());
+    }
+    qCInfo(lcCatalog, "Catalog %s/%s: %s; %s", qUtf8Printable(desktop), qUtf8Printable(QFileInfo(path).fileName()),
+           qUtf8Printable(desktopReason), qUtf8Printable(versionReason));
+
+    const QString name = QFileInfo(path).fileName();
+    QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return Decoded<Catalog>::failure(name + QStringLiteral(" could not be decoded: ") + file.errorString());
     auto catalog = decodeCatalog(file.readAll());

@@ -5,6 +5,7 @@
 #include "common/decoded.h"
 
 #include <QList>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -41,12 +42,23 @@ struct CatalogEnvironment {
 };
 
 // The catalog folder to use: the first current desktop that has one, else
-// the desktop whose settings program is installed, else "gnome".
-QString chooseDesktop(const CatalogEnvironment &environment);
+// the desktop whose settings program is installed, else "gnome". The reason
+// for the choice, in words for the log, goes to reason when given.
+QString chooseDesktop(const CatalogEnvironment &environment, QString *reason = nullptr);
+
+// A catalog folder's aliases.json: releases that share an older release's
+// document, each to that document's file name ({"49": "48.json"}). Empty when
+// the folder has none.
+Decoded<QMap<QString, QString>> readAliases(const QString &path);
 
 // The newest release named in an AppStream file, or none when the file is
 // missing, unreadable or names no parsable version.
 std::optional<OSVersion> metainfoVersion(const QString &path);
+
+// What an installed settings program answers to --version ("gnome-control-center
+// 43.6"): its last word as a version. None when it is not installed, fails or
+// answers something else. For releases whose AppStream file lists no release.
+std::optional<OSVersion> programVersion(const CatalogEnvironment &environment, const QString &executable);
 
 // From documents in listing order, the newest one not newer than the running
 // version, else the oldest; also the oldest when the running version is

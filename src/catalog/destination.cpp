@@ -10,7 +10,9 @@ QHash<QUrl, Destination> Destination::buildIndex(const Catalog &catalog)
 {
     QHash<QUrl, Destination> index;
     for (const Pane &pane : catalog.panes) {
-        index.insert(pane.url, Destination{pane.url, pane, std::nullopt});
+        // A heading pane has no URL and so is no destination.
+        if (!pane.url.isEmpty())
+            index.insert(pane.url, Destination{pane.url, pane, std::nullopt});
         for (const Item &item : pane.items())
             index.insert(item.url, Destination{item.url, pane, item});
     }

@@ -3,9 +3,11 @@
 #include "catalog/desktopentrytable.h"
 #include "catalog/localization.h"
 #include "catalog/motable.h"
+#include "catalog/pluginmetadatatable.h"
 #include "common/log.h"
 #include "common/mainthread.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -55,12 +57,30 @@ Loaded loadDesktopEntryTable(const QString &path, const QStringList &languages)
     return std::optional<StringTable>(localizations.value().value(*locale));
 }
 
+Loaded loadPluginTable(const QString &path, const QStringList &languages)
+{
+    const auto file = resolvePluginPath(path, QCoreApplication::libraryPaths());
+    if (!file)
+        return Loaded::failure(QStringLiteral("no such plugin"));
+    auto localizations = readPluginLocalizations(*file);
+    if (!localizations)
+        return Loaded::failure(localizations);
+    QStringList locales = localizations.value().keys();
+    locales.sort();
+    const auto locale = preferredLocalization(locales, languages);
+    if (!locale)
+        return std::optional<StringTable>();
+    return std::optional<StringTable>(localizations.value().value(*locale));
+}
+
 } // namespace
 
 Decoded<std::optional<StringTable>> loadStringTable(const QString &path, const QStringList &languages)
 {
     if (path.contains(localePlaceholder))
         return loadGettextTable(path, languages);
+    if (path.endsWith(QStringLiteral(".so")))
+        return loadPluginTable(path, languages);
     return loadDesktopEntryTable(path, languages);
 }
 

@@ -16,7 +16,9 @@ using StringTable = QHash<QString, QString>;
 //   (/usr/share/locale/%l/LC_MESSAGES/gnome-control-center-2.0.mo): its
 //   localizations are the locale folders that hold the file, keys are msgids;
 // - a desktop entry file (/usr/share/applications/kcm_kscreen.desktop): its
-//   localizations are the locales of its Key[locale] lines, keys are key names.
+//   localizations are the locales of its Key[locale] lines, keys are key names;
+// - a Qt plugin (%p/plasma/kcms/systemsettings/kcm_kscreen.so, %p standing for
+//   Qt's plugin folders): the same, from the KPlugin object of its metadata.
 //
 // The localization best serving the languages is loaded. No table (without an
 // error) when none serves them; an error when the table cannot be read.

@@ -2,7 +2,9 @@
 #include "catalog/catalogloader.h"
 #include "jsontext.h"
 
+#include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -164,6 +166,110 @@ private Q_SLOTS:
                  QStringLiteral("No catalog in the app bundle's Catalogs folder"));
         QCOMPARE(loadCatalog(environment(empty.filePath(QStringLiteral("missing")), {})).error(),
                  QStringLiteral("No catalog in the app bundle's Catalogs folder"));
+    }
+
+    // The AppStream files of real releases, against the shipped catalogs.
+    void shippedCatalogForEachRelease_data()
+    {
+        QTest::addColumn<QString>("desktop");
+        QTest::addColumn<QString>("metainfo");
+        QTest::addColumn<QString>("versionAnswer");
+        QTest::addColumn<QString>("osVersion");
+        // 43 and 44 list no release: the program's --version tells.
+        QTest::newRow("GNOME 43.6") << "gnome" << "org.gnome.Settings-43.6" << "gnome-control-center 43.6" << "43.6";
+        QTest::newRow("GNOME 44.4") << "gnome" << "org.gnome.Settings-44.4" << "gnome-control-center 44.4" << "44.4";
+        QTest::newRow("GNOME 44, no answer") << "gnome" << "org.gnome.Settings-44.4" << "" << "43.6";
+        QTest::newRow("GNOME 45.5") << "gnome" << "org.gnome.Settings-45.5" << "" << "45.5";
+        QTest::newRow("GNOME 46.8") << "gnome" << "org.gnome.Settings-46.8" << "" << "46.8";
+        QTest::newRow("GNOME 47.7") << "gnome" << "org.gnome.Settings-47.7" << "" << "47.7";
+        QTest::newRow("GNOME 48.7") << "gnome" << "org.gnome.Settings-48.7" << "" << "48.7";
+        // 49.9's file names 49.8 as its newest release; 49 and 50 share 48's.
+        QTest::newRow("GNOME 49.9") << "gnome" << "org.gnome.Settings-49.9" << "" << "48.7";
+        QTest::newRow("GNOME 50.4") << "gnome" << "org.gnome.Settings-50.4" << "" << "48.7";
+        QTest::newRow("Plasma 5.27") << "kde" << "org.kde.systemsettings-5.27.12" << "" << "5.27.5";
+    }
+
+    void shippedCatalogForEachRelease()
+    {
+        QFETCH(QString, desktop);
+        QFETCH(QString, metainfo);
+        QFETCH(QString, versionAnswer);
+        QFETCH(QString, osVersion);
+        QTemporaryDir bin;
+        QVERIFY(bin.isValid());
+        const QString program = bin.filePath(QStringLiteral("fake-settings"));
+        const QByteArray script = versionAnswer.isEmpty() ? "#!/bin/sh\nexit 1\n"
+                                                          : "#!/bin/sh\necho " + versionAnswer.toUtf8() + "\n";
+        QVERIFY(writeFile(program, script));
+        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+        const CatalogEnvironment shipped{QStringLiteral(CATALOG_RESOURCES),
+                                         {desktop},
+                                         {{desktop, QStringLiteral("fake-settings"),
+                                           {QStringLiteral(CATALOG_TEST_DATA "/metainfo/") + metainfo + QStringLiteral(".metainfo.xml")}}},
+                                         {bin.path()}};
+        const auto catalog = loadCatalog(shipped);
+        QVERIFY2(catalog.ok(), qPrintable(catalog.error()));
+        QCOMPARE(catalog.value().osVersion, osVersion);
+    }
+
+    // Every copied AppStream file, GNOME's and Plasma's: the newest release it
+    // names, as the settings program's version.
+    void realMetainfoFilesName_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("newest");
+        const QDir folder(QStringLiteral(CATALOG_TEST_DATA "/metainfo"));
+        for (const QString &name : folder.entryList({QStringLiteral("*.metainfo.xml")})) {
+            // org.kde.systemsettings-6.0.5.metainfo.xml was copied from tag 6.0.5.
+            QString tag = name.section(u'-', 1).section(QStringLiteral(".metainfo"), 0, 0);
+            if (tag == u"43.6" || tag == u"44.4")
+                tag.clear(); // these list no release at all
+            else if (tag == u"49.9")
+                tag = QStringLiteral("49.8"); // 49.9 entered its release as a second 49.8
+            QTest::newRow(qPrintable(name)) << folder.filePath(name) << tag;
+        }
+    }
+
+    void realMetainfoFilesName()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, newest);
+        QCOMPARE(metainfoVersion(file), OSVersion::parse(newest));
+    }
+
+    void aliasTableDecides()
+    {
+        QTemporaryDir root;
+        QVERIFY(QDir(root.path()).mkpath(QStringLiteral("gnome")));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/43.json")), JSON({"osVersion": "43", "sections": [], "panes": []})));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/46.json")), JSON({"osVersion": "46", "sections": [], "panes": []})));
+        // 45 shares 43's document although 46 is not newer than 45.9.
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/aliases.json")), JSON({"45": "43.json"})));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("45.xml")), "<component><releases><release version=\"45.9\"/></releases></component>"));
+        CatalogEnvironment env{root.path(), {QStringLiteral("GNOME")},
+                               {{QStringLiteral("gnome"), QStringLiteral("fake-gnome-settings"), {root.filePath(QStringLiteral("45.xml"))}}},
+                               {QStringLiteral("/nonexistent")}};
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json: .*served by release 45's catalog")));
+        QCOMPARE(loadCatalog(env).value().osVersion, QStringLiteral("43"));
+
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/aliases.json")), JSON({"45": 43})));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("aliases.json: .*not a release and a file name")));
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json")));
+        QCOMPARE(loadCatalog(env).value().osVersion, QStringLiteral("43"));
+    }
+
+    void machineWithoutEitherDesktopLogsTheFallback()
+    {
+        // Neither a session desktop nor a settings program: gnome, oldest.
+        QTest::ignoreMessage(QtInfoMsg,
+                             QRegularExpression(QStringLiteral("^Catalog gnome/43.json: no desktop of the session has a "
+                                                               "catalog and none of fake-gnome-settings, "
+                                                               "fake-kde-settings is installed; .*version is unknown")));
+        auto env = environment(documents, {"X-Cinnamon"});
+        env.programs[0].metainfoPaths = {QStringLiteral("/nonexistent.xml")};
+        const auto catalog = loadCatalog(env);
+        QVERIFY2(catalog.ok(), qPrintable(catalog.error()));
+        QCOMPARE(catalog.value().osVersion, QStringLiteral("43"));
     }
 
     void fullDocumentDecodes()

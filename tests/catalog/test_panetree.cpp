@@ -113,6 +113,25 @@ private Q_SLOTS:
         QVERIFY(CustomMenuNode::tree({url("x:a")}, cyclic, Destination::buildIndex(cyclic)).isEmpty());
     }
 
+    void headingPanesAreNoDestination()
+    {
+        // privacy heads screen and a nested heading; neither heading opens anything.
+        auto decoded = decodeCatalog(JSON({"osVersion": "1", "sections": [["privacy"]], "panes": [
+            {"id": "privacy", "name": "Privacy", "sections": [], "children": [["screen", "devices"]]},
+            {"id": "screen", "name": "Screen", "url": "x:screen", "sections": []},
+            {"id": "devices", "name": "Devices", "url": null, "sections": [], "children": [["camera"]]},
+            {"id": "camera", "name": "Camera", "url": "x:camera", "sections": []}]}));
+        QVERIFY2(decoded.ok(), qPrintable(decoded.error()));
+        const Catalog &catalog = decoded.value();
+        const Pane privacy = *catalog.pane(QStringLiteral("privacy"));
+        QVERIFY(privacy.url.isEmpty());
+        const auto index = Destination::buildIndex(catalog);
+        QCOMPARE(index.size(), 2);
+        QVERIFY(!index.contains(QUrl()));
+        QCOMPARE(privacy.descendantURLs(catalog), (QList<QUrl>{url("x:screen"), url("x:camera")}));
+        QCOMPARE(describe(CustomMenuNode::tree({url("x:camera")}, catalog, index)), QStringLiteral("privacy(devices(camera*))"));
+    }
+
     void treesOfPickedURLs_data()
     {
         QTest::addColumn<QList<QUrl>>("picked");

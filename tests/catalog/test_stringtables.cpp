@@ -4,6 +4,7 @@
 #include "catalog/owntranslation.h"
 #include "catalog/systemstrings.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -191,6 +192,35 @@ private Q_SLOTS:
         QVERIFY(!french.value());
         QVERIFY(!loadStringTable(QStringLiteral(CATALOG_TEST_DATA "/not_an_entry.desktop"), {"de"}).ok());
         QVERIFY(!loadStringTable(QStringLiteral("/nonexistent/x.desktop"), {"de"}).ok());
+    }
+
+    void pluginMetadataTables()
+    {
+        const QString plugin = QStringLiteral(FIXTURE_PLUGIN_DIR "/plasma/kcms/systemsettings/kcm_fixture.so");
+        const auto german = loadStringTable(plugin, {"de_CH"});
+        QVERIFY2(german.ok(), qPrintable(german.error()));
+        QCOMPARE(*german.value(), (StringTable{{"Name", "Anzeige-Einrichtung"}, {"Description", "Bildschirme verwalten"}}));
+        // An empty translation is none, so French has no localization.
+        const auto french = loadStringTable(plugin, {"fr"});
+        QVERIFY(french.ok());
+        QVERIFY(!french.value());
+        // Reading the metadata ran none of the plugin's code.
+        QVERIFY(!qEnvironmentVariableIsSet("QUILLON_FIXTURE_PLUGIN_LOADED"));
+
+        // %p stands for each of Qt's plugin folders.
+        const QString anywhere = QStringLiteral("%p/plasma/kcms/systemsettings/kcm_fixture.so");
+        QVERIFY(!loadStringTable(anywhere, {"de"}).ok());
+        QCoreApplication::addLibraryPath(QStringLiteral(FIXTURE_PLUGIN_DIR));
+        QCOMPARE(loadStringTable(anywhere, {"pt_BR"}).value()->value(QStringLiteral("Name")),
+                 QStringLiteral("Configuração do monitor"));
+        QCoreApplication::removeLibraryPath(QStringLiteral(FIXTURE_PLUGIN_DIR));
+
+        QTemporaryDir dir;
+        const QString notAPlugin = dir.filePath(QStringLiteral("kcm_text.so"));
+        QFile file(notAPlugin);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("Name[de]=Anzeige\n") > 0);
+        file.close();
+        QVERIFY(!loadStringTable(notAPlugin, {"de"}).ok());
     }
 
     void gettextTablesFollowTheLanguage()

@@ -21,6 +21,7 @@ set(expected
   "pane \"power\": url \"settings://kde/power\" does not start with settings://gnome/"
   "pane \"printers\": url \"settings://gnome/printers\" is already used by pane \"color\""
   "pane \"screen\": url \"settings://gnome/screen\" is already used by pane \"privacy\""
+  "pane \"empty-group\": has neither a URL nor children"
   "pane id \"bluetooth\" is listed but no pane has it"
   "pane \"region\": is neither in the top sections nor a child of a pane"
   "interface string \"graphite\" is missing"

@@ -38,7 +38,7 @@ ICON_KEYS = {
 PANE_KEYS = {"id", "name", "nameRef", "url", "sections", "children"} | set(ICON_KEYS)
 ITEM_KEYS = {"label", "labelRefs", "labelSource", "kind", "url"} | set(ICON_KEYS)
 SECTION_KEYS = {"title", "titleRef", "items"}
-CATALOG_KEYS = {"osVersion", "sections", "panes", "strings"}
+CATALOG_KEYS = {"osVersion", "source", "sections", "panes", "strings"}
 STRING_REF_KEYS = {"table", "key"}
 
 
@@ -128,7 +128,13 @@ class CatalogChecker:
         key = self.require(place, ref, "key", "string")
         if table is None or key is None:
             return
-        if not table.startswith("/"):
+        if table.endswith(".so"):
+            # A Qt plugin's metadata, %p standing for Qt's plugin folders.
+            if not table.startswith(("/", "%p/")):
+                self.fail(place, f"plugin \"{table}\" is neither an absolute path nor under %p/")
+            elif key not in ("Name", "Description"):
+                self.fail(place, f"plugin metadata key \"{key}\" is not a localized name")
+        elif not table.startswith("/"):
             self.fail(place, f"table \"{table}\" is not an absolute path")
         elif table.endswith(".mo"):
             if "%l" not in table:
@@ -145,8 +151,8 @@ class CatalogChecker:
             self.fail(place, f"table \"{table}\" is neither a .mo catalog nor a desktop entry")
         self.string_refs.append((place, ref, english))
 
-    def check_url(self, place, obj):
-        url = self.require(place, obj, "url", "string")
+    def check_url(self, place, obj, required=True):
+        url = (self.require if required else self.optional)(place, obj, "url", "string")
         if url is None:
             return None
         prefix = f"settings://{self.desktop}/"
@@ -235,7 +241,8 @@ class CatalogChecker:
         name = self.require(place, pane, "name", "string")
         if self.present(pane, "nameRef"):
             self.check_string_ref(f"{place} nameRef", pane["nameRef"], name)
-        url = self.check_url(place, pane)
+        # A pane without a URL is a heading over its children.
+        url = self.check_url(place, pane, required=False)
         sections = self.require(place, pane, "sections", "list") or []
         for s, section in enumerate(sections):
             where = f"{place} sections[{s}]"
@@ -252,6 +259,8 @@ class CatalogChecker:
             for i, item in enumerate(items):
                 self.check_item(f"{where} items[{i}]", item, url)
         children = self.check_id_groups(place, pane, "children", required=False)
+        if url is None and not children and not self.present(pane, "url"):
+            self.fail(place, "has neither a URL nor children, so it leads nowhere")
         self.check_icon(place, pane)
         return pane_id, children, url
 
@@ -263,6 +272,10 @@ class CatalogChecker:
         os_version = self.require("document", doc, "osVersion", "string")
         if os_version is not None and parse_version(os_version) is None:
             self.fail("document", f"osVersion \"{os_version}\" is not a version")
+        # Where the document came from: "<repository> <tag>" per release.
+        source = self.optional("document", doc, "source", "list")
+        if source is not None and not all(isinstance(s, str) and " " in s for s in source):
+            self.fail("document", "\"source\" must list \"<repository> <tag>\" strings")
         top_ids = self.check_id_groups("document", doc, "sections", required=True)
         panes = self.require("document", doc, "panes", "list") or []
 
@@ -302,27 +315,12 @@ class CatalogChecker:
                 self.fail(f"pane \"{pane_id}\"", "is its own ancestor")
 
     def check_pane_urls(self, panes, urls):
-        # A group that has no page of its own opens its first member, as the
-        # desktop's own sidebar does; it may share that member's URL and must
-        # come before it, so that the URL names the member.
-        first_child = {}
+        # One URL names one place: recents, custom menus and search results
+        # keep only the URL, so two places sharing one could not be told
+        # apart. A group that cannot be opened on its own has no URL.
         for pane in panes:
-            if isinstance(pane, dict) and isinstance(pane.get("children"), list):
-                groups = [g for g in pane["children"] if isinstance(g, list) and g]
-                if groups and isinstance(pane.get("id"), str):
-                    first_child[groups[0][0]] = pane["id"]
-        for pane in panes:
-            if not isinstance(pane, dict) or not isinstance(pane.get("id"), str):
-                continue
-            pane_id, url = pane["id"], urls.get(pane["id"])
-            if url is None:
-                continue
-            owner = self.urls.get(url)
-            group = first_child.get(pane_id)
-            if owner == f"pane \"{group}\"" and urls.get(group) == url:
-                self.urls[url] = f"pane \"{pane_id}\""
-                continue
-            self.claim_url(f"pane \"{pane_id}\"", url)
+            if isinstance(pane, dict) and isinstance(pane.get("id"), str):
+                self.claim_url(f"pane \"{pane['id']}\"", urls.get(pane["id"]))
 
     def check_strings(self, doc):
         strings = self.optional("document", doc, "strings", "object")

@@ -27,6 +27,9 @@ DESKTOPS = {
 }
 
 
+CHECKED_LOCALE = "de"
+
+
 def read_mo_ids(path):
     """The msgids of a GNU MO file (with their context prefix), or None."""
     try:
@@ -71,7 +74,11 @@ class StringTables:
 
     def localizations(self, table):
         if table not in self.cache:
-            if "%l" in table:
+            if table.endswith(".so"):
+                # Plugin metadata is CBOR inside the library; Quillon reads it
+                # through Qt, this audit does not.
+                self.cache[table] = None
+            elif "%l" in table:
                 pattern = table.replace("%l", "*")
                 found = {}
                 for path in sorted(glob.glob(pattern)):
@@ -92,6 +99,17 @@ class StringTables:
             keys = next(iter(tables.values()))
             return key in keys and any(k.startswith(key + "[") for k in keys)
         return any(key in ids for ids in tables.values())
+
+    def resolves_in(self, table, key, locale):
+        """Whether the key has a translation for the locale; None when the table is absent."""
+        tables = self.localizations(table)
+        if tables is None:
+            return None
+        if table.endswith(".desktop"):
+            keys = next(iter(tables.values()))
+            return f"{key}[{locale}]" in keys
+        path = table.replace("%l", locale)
+        return path in tables and key in tables[path]
 
     def desktop_value(self, table, key):
         """The untranslated value of a desktop entry key, None for other tables."""
@@ -129,13 +147,16 @@ def installed_version(desktop):
     return parse_version(words[-1]) if done.returncode == 0 and words else None
 
 
-def chosen_catalog(files, running):
-    """The file Quillon picks for a running version: the newest not newer."""
-    ordered = sorted(files, key=lambda f: version_key(files[f]))
-    for name in reversed(ordered):
-        if version_key(files[name]) <= version_key(running):
-            return name
-    return ordered[0]
+def chosen_catalog(files, running, aliases=None):
+    """The file Quillon picks for a running version: the newest release not
+    newer, through the alias table when that release shares a document."""
+    releases = {f: (v, f) for f, v in files.items()}
+    releases.update(aliases or {})
+    ordered = sorted(releases.values(), key=lambda r: version_key(r[0]))
+    for parts, path in reversed(ordered):
+        if version_key(parts) <= version_key(running):
+            return path
+    return ordered[0][1]
 
 
 def gnome_panels(program):
@@ -148,6 +169,19 @@ def gnome_panels(program):
         return None, f"exit {done.returncode}: {done.stderr.strip()}"
     lines = [line.strip() for line in done.stdout.splitlines()]
     return {line for line in lines[1:] if line}, None
+
+
+def kde_modules():
+    """The settings modules installed: plugins under Qt's plasma/kcms folders,
+    their generated launchers and the older service files."""
+    found = set()
+    for root in ("/usr/lib/*/qt[56]/plugins", "/usr/lib64/qt[56]/plugins", "/usr/lib/qt[56]/plugins",
+                 "/usr/lib/*/plugins", "/usr/lib64/plugins"):
+        pattern = f"{root}/plasma/kcms/**/*.so"
+        found.update(os.path.basename(p)[:-len(".so")] for p in glob.glob(pattern, recursive=True))
+    for pattern in ("/usr/share/applications/kcm*.desktop", "/usr/share/kservices5/*.desktop"):
+        found.update(os.path.basename(p)[:-len(".desktop")] for p in glob.glob(pattern))
+    return found
 
 
 def panel_of(url, desktop):
@@ -200,6 +234,13 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
                 audit.fail(where, f"{title} {shown} offers panel \"{panel}\", which no pane opens")
             audit.note(where, f"{len(panels)} panels of {title} {shown} compared with the panes' URLs")
 
+    elif desktop == "kde":
+        modules = kde_modules()
+        used = {panel_of(r["url"], desktop) for _, r in walk_records(panes) if isinstance(r.get("url"), str)}
+        for module in sorted(used - modules):
+            audit.fail(where, f"module \"{module}\" is not installed with {title} {shown}")
+        audit.note(where, f"{len(used)} modules compared with the {len(modules)} installed settings modules")
+
     names = icon_names()
     icons, shortened = 0, 0
     for place, record in walk_records(panes):
@@ -221,7 +262,7 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
                       f" ({shortened} through a shorter form)")
 
     tables = StringTables()
-    resolved, absent = 0, set()
+    resolved, absent, german = 0, set(), 0
     for place, ref, english in checker.string_refs:
         found = tables.resolves(ref["table"], ref["key"])
         if found is None:
@@ -233,6 +274,14 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
                 audit.fail(f"{where} {place}", f"{ref['table']} calls it \"{written}\", not \"{english}\"")
         else:
             audit.fail(f"{where} {place}", f"\"{ref['key']}\" is in no locale of {ref['table']}")
-    audit.note(where, f"{resolved} string references resolve in the installed tables")
+            continue
+        # German stands for every language: a label the installed
+        # translations lack stays English for everyone.
+        if tables.resolves_in(ref["table"], ref["key"], CHECKED_LOCALE) is False:
+            audit.fail(f"{where} {place}", f"\"{ref['key']}\" has no {CHECKED_LOCALE} translation in {ref['table']}")
+        else:
+            german += 1
+    audit.note(where, f"{resolved} string references resolve in the installed tables, "
+                      f"{german} of them in {CHECKED_LOCALE}")
     for table in sorted(absent):
         audit.note(where, f"not checked: {table} is not installed")

@@ -1,0 +1,1 @@
+"""Builds the settings catalogs from the settings programs' own sources."""
