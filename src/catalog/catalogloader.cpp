@@ -17,8 +17,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-Q_LOGGING_CATEGORY(lcCatalog, "quillon.catalog")
-
 namespace {
 
 const QString noCatalogMessage = QStringLiteral("No catalog in the app bundle's Catalogs folder");
@@ -98,7 +96,8 @@ QString chooseDesktop(const CatalogEnvironment &environment, QString *reason)
     for (const SettingsProgram &program : environment.programs) {
         const auto folder = catalogFolder(environment.resourceRoot, program.desktop);
         if (folder && isInstalled(environment, program.executable)) {
-            because(QStringLiteral("no desktop of the session has a catalog, and %1 is installed").arg(program.executable));
+            because(
+                QStringLiteral("no desktop of the session has a catalog, and %1 is installed").arg(program.executable));
             return *folder;
         }
         executables.append(program.executable);
@@ -168,7 +167,8 @@ std::optional<OSVersion> programVersion(const CatalogEnvironment &environment, c
     }
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
         return std::nullopt;
-    const QStringList words = QString::fromUtf8(process.readAllStandardOutput()).split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    const QStringList words = QString::fromUtf8(process.readAllStandardOutput())
+                                  .split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
     return words.isEmpty() ? std::nullopt : OSVersion::parse(words.last());
 }
 

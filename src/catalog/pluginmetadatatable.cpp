@@ -15,9 +15,8 @@ Decoded<PluginLocalizations> readPluginLocalizations(const QString &path)
         return Decoded<PluginLocalizations>::failure(QStringLiteral("not a Qt plugin"));
     const QJsonObject metadata = all.value(QStringLiteral("MetaData")).toObject();
     // KDE's plugins keep their texts under "KPlugin"; older ones at the top.
-    const QJsonObject texts = metadata.contains(QStringLiteral("KPlugin"))
-        ? metadata.value(QStringLiteral("KPlugin")).toObject()
-        : metadata;
+    const QJsonObject texts =
+        metadata.contains(QStringLiteral("KPlugin")) ? metadata.value(QStringLiteral("KPlugin")).toObject() : metadata;
 
     PluginLocalizations localizations;
     for (auto it = texts.constBegin(); it != texts.constEnd(); ++it) {

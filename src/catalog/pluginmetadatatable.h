@@ -1,6 +1,6 @@
 #pragma once
 
-#include "config/decoded.h"
+#include "common/decoded.h"
 
 #include <QHash>
 #include <QString>

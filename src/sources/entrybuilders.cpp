@@ -81,11 +81,15 @@ void appendNode(MenuEntries &entries, const SourceContext &context, const Custom
         return;
     }
     if (node.children.isEmpty() && node.items.isEmpty()) {
-        entries.append(OpenableEntry{name, node.pane.url, icon});
+        if (!node.pane.url.isEmpty())
+            entries.append(OpenableEntry{name, node.pane.url, icon});
         return;
     }
     entries.append(SubmenuEntry{name, icon, [&context, node, name, icon] {
-                                    MenuEntries inner{OpenableEntry{name, node.pane.url, icon}, SeparatorEntry{}};
+                                    // A group that opens nothing itself is only a heading.
+                                    MenuEntries inner;
+                                    if (!node.pane.url.isEmpty())
+                                        inner = {OpenableEntry{name, node.pane.url, icon}, SeparatorEntry{}};
                                     inner.append(settingsEntries(context, node.children, node.items));
                                     return inner;
                                 }});

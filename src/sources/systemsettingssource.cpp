@@ -71,7 +71,7 @@ private:
                 if (results.size() >= limit)
                     return;
                 const QString paneName = m_context.strings.paneName(pane);
-                if (matcher.matches(folded(paneName)))
+                if (!pane.url.isEmpty() && matcher.matches(folded(paneName)))
                     results.append({paneName, pane.url, CatalogIcon{pane.icon}});
                 for (const auto &item : pane.items()) {
                     const QString label = m_context.strings.itemLabel(item);

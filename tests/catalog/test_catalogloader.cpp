@@ -176,17 +176,47 @@ private Q_SLOTS:
         QTest::addColumn<QString>("versionAnswer");
         QTest::addColumn<QString>("osVersion");
         // 43 and 44 list no release: the program's --version tells.
-        QTest::newRow("GNOME 43.6") << "gnome" << "org.gnome.Settings-43.6" << "gnome-control-center 43.6" << "43.6";
-        QTest::newRow("GNOME 44.4") << "gnome" << "org.gnome.Settings-44.4" << "gnome-control-center 44.4" << "44.4";
-        QTest::newRow("GNOME 44, no answer") << "gnome" << "org.gnome.Settings-44.4" << "" << "43.6";
-        QTest::newRow("GNOME 45.5") << "gnome" << "org.gnome.Settings-45.5" << "" << "45.5";
-        QTest::newRow("GNOME 46.8") << "gnome" << "org.gnome.Settings-46.8" << "" << "46.8";
-        QTest::newRow("GNOME 47.7") << "gnome" << "org.gnome.Settings-47.7" << "" << "47.7";
-        QTest::newRow("GNOME 48.7") << "gnome" << "org.gnome.Settings-48.7" << "" << "48.7";
+        QTest::newRow("GNOME 43.6") << "gnome"
+                                    << "org.gnome.Settings-43.6"
+                                    << "gnome-control-center 43.6"
+                                    << "43.6";
+        QTest::newRow("GNOME 44.4") << "gnome"
+                                    << "org.gnome.Settings-44.4"
+                                    << "gnome-control-center 44.4"
+                                    << "44.4";
+        QTest::newRow("GNOME 44, no answer") << "gnome"
+                                             << "org.gnome.Settings-44.4"
+                                             << ""
+                                             << "43.6";
+        QTest::newRow("GNOME 45.5") << "gnome"
+                                    << "org.gnome.Settings-45.5"
+                                    << ""
+                                    << "45.5";
+        QTest::newRow("GNOME 46.8") << "gnome"
+                                    << "org.gnome.Settings-46.8"
+                                    << ""
+                                    << "46.8";
+        QTest::newRow("GNOME 47.7") << "gnome"
+                                    << "org.gnome.Settings-47.7"
+                                    << ""
+                                    << "47.7";
+        QTest::newRow("GNOME 48.7") << "gnome"
+                                    << "org.gnome.Settings-48.7"
+                                    << ""
+                                    << "48.7";
         // 49.9's file names 49.8 as its newest release; 49 and 50 share 48's.
-        QTest::newRow("GNOME 49.9") << "gnome" << "org.gnome.Settings-49.9" << "" << "48.7";
-        QTest::newRow("GNOME 50.4") << "gnome" << "org.gnome.Settings-50.4" << "" << "48.7";
-        QTest::newRow("Plasma 5.27") << "kde" << "org.kde.systemsettings-5.27.12" << "" << "5.27.5";
+        QTest::newRow("GNOME 49.9") << "gnome"
+                                    << "org.gnome.Settings-49.9"
+                                    << ""
+                                    << "48.7";
+        QTest::newRow("GNOME 50.4") << "gnome"
+                                    << "org.gnome.Settings-50.4"
+                                    << ""
+                                    << "48.7";
+        QTest::newRow("Plasma 5.27") << "kde"
+                                     << "org.kde.systemsettings-5.27.12"
+                                     << ""
+                                     << "5.27.5";
     }
 
     void shippedCatalogForEachRelease()
@@ -198,15 +228,17 @@ private Q_SLOTS:
         QTemporaryDir bin;
         QVERIFY(bin.isValid());
         const QString program = bin.filePath(QStringLiteral("fake-settings"));
-        const QByteArray script = versionAnswer.isEmpty() ? "#!/bin/sh\nexit 1\n"
-                                                          : "#!/bin/sh\necho " + versionAnswer.toUtf8() + "\n";
+        const QByteArray script =
+            versionAnswer.isEmpty() ? "#!/bin/sh\nexit 1\n" : "#!/bin/sh\necho " + versionAnswer.toUtf8() + "\n";
         QVERIFY(writeFile(program, script));
         QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
-        const CatalogEnvironment shipped{QStringLiteral(CATALOG_RESOURCES),
-                                         {desktop},
-                                         {{desktop, QStringLiteral("fake-settings"),
-                                           {QStringLiteral(CATALOG_TEST_DATA "/metainfo/") + metainfo + QStringLiteral(".metainfo.xml")}}},
-                                         {bin.path()}};
+        const CatalogEnvironment shipped{
+            QStringLiteral(CATALOG_RESOURCES),
+            {desktop},
+            {{desktop,
+              QStringLiteral("fake-settings"),
+              {QStringLiteral(CATALOG_TEST_DATA "/metainfo/") + metainfo + QStringLiteral(".metainfo.xml")}}},
+            {bin.path()}};
         const auto catalog = loadCatalog(shipped);
         QVERIFY2(catalog.ok(), qPrintable(catalog.error()));
         QCOMPARE(catalog.value().osVersion, osVersion);
@@ -241,19 +273,27 @@ private Q_SLOTS:
     {
         QTemporaryDir root;
         QVERIFY(QDir(root.path()).mkpath(QStringLiteral("gnome")));
-        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/43.json")), JSON({"osVersion": "43", "sections": [], "panes": []})));
-        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/46.json")), JSON({"osVersion": "46", "sections": [], "panes": []})));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/43.json")),
+                          JSON({"osVersion": "43", "sections": [], "panes": []})));
+        QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/46.json")),
+                          JSON({"osVersion": "46", "sections": [], "panes": []})));
         // 45 shares 43's document although 46 is not newer than 45.9.
         QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/aliases.json")), JSON({"45": "43.json"})));
-        QVERIFY(writeFile(root.filePath(QStringLiteral("45.xml")), "<component><releases><release version=\"45.9\"/></releases></component>"));
-        CatalogEnvironment env{root.path(), {QStringLiteral("GNOME")},
-                               {{QStringLiteral("gnome"), QStringLiteral("fake-gnome-settings"), {root.filePath(QStringLiteral("45.xml"))}}},
+        QVERIFY(writeFile(root.filePath(QStringLiteral("45.xml")),
+                          "<component><releases><release version=\"45.9\"/></releases></component>"));
+        CatalogEnvironment env{root.path(),
+                               {QStringLiteral("GNOME")},
+                               {{QStringLiteral("gnome"),
+                                 QStringLiteral("fake-gnome-settings"),
+                                 {root.filePath(QStringLiteral("45.xml"))}}},
                                {QStringLiteral("/nonexistent")}};
-        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json: .*served by release 45's catalog")));
+        QTest::ignoreMessage(
+            QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json: .*served by release 45's catalog")));
         QCOMPARE(loadCatalog(env).value().osVersion, QStringLiteral("43"));
 
         QVERIFY(writeFile(root.filePath(QStringLiteral("gnome/aliases.json")), JSON({"45": 43})));
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("aliases.json: .*not a release and a file name")));
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression(QStringLiteral("aliases.json: .*not a release and a file name")));
         QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json")));
         QCOMPARE(loadCatalog(env).value().osVersion, QStringLiteral("43"));
     }
@@ -261,10 +301,10 @@ private Q_SLOTS:
     void machineWithoutEitherDesktopLogsTheFallback()
     {
         // Neither a session desktop nor a settings program: gnome, oldest.
-        QTest::ignoreMessage(QtInfoMsg,
-                             QRegularExpression(QStringLiteral("^Catalog gnome/43.json: no desktop of the session has a "
-                                                               "catalog and none of fake-gnome-settings, "
-                                                               "fake-kde-settings is installed; .*version is unknown")));
+        QTest::ignoreMessage(
+            QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json: no desktop of the session has a "
+                                                         "catalog and none of fake-gnome-settings, "
+                                                         "fake-kde-settings is installed; .*version is unknown")));
         auto env = environment(documents, {"X-Cinnamon"});
         env.programs[0].metainfoPaths = {QStringLiteral("/nonexistent.xml")};
         const auto catalog = loadCatalog(env);

@@ -129,7 +129,8 @@ private Q_SLOTS:
         QCOMPARE(index.size(), 2);
         QVERIFY(!index.contains(QUrl()));
         QCOMPARE(privacy.descendantURLs(catalog), (QList<QUrl>{url("x:screen"), url("x:camera")}));
-        QCOMPARE(describe(CustomMenuNode::tree({url("x:camera")}, catalog, index)), QStringLiteral("privacy(devices(camera*))"));
+        QCOMPARE(describe(CustomMenuNode::tree({url("x:camera")}, catalog, index)),
+                 QStringLiteral("privacy(devices(camera*))"));
     }
 
     void treesOfPickedURLs_data()

@@ -199,7 +199,8 @@ private Q_SLOTS:
         const QString plugin = QStringLiteral(FIXTURE_PLUGIN_DIR "/plasma/kcms/systemsettings/kcm_fixture.so");
         const auto german = loadStringTable(plugin, {"de_CH"});
         QVERIFY2(german.ok(), qPrintable(german.error()));
-        QCOMPARE(*german.value(), (StringTable{{"Name", "Anzeige-Einrichtung"}, {"Description", "Bildschirme verwalten"}}));
+        QCOMPARE(*german.value(),
+                 (StringTable{{"Name", "Anzeige-Einrichtung"}, {"Description", "Bildschirme verwalten"}}));
         // An empty translation is none, so French has no localization.
         const auto french = loadStringTable(plugin, {"fr"});
         QVERIFY(french.ok());

@@ -122,6 +122,25 @@ private Q_SLOTS:
                  (QStringList{"---", "notes.txt", "deleted.txt (disabled)", "---", "Displays"}));
     }
 
+    // A catalog group that opens nothing itself is a heading: a submenu
+    // without an item of its own, and no search result.
+    void settingsGroupsWithoutAddress()
+    {
+        Pane group = testPane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
+                              QList<QList<QString>>{{QStringLiteral("camera"), QStringLiteral("location")}});
+        group.url = QUrl();
+        m_settings.set({{QStringLiteral("privacy")}},
+                       {group, testPane(QStringLiteral("camera"), QStringLiteral("Camera")),
+                        testPane(QStringLiteral("location"), QStringLiteral("Location Services"))});
+        const ContentSources &all = sources();
+        const MenuEntries entries = all.items(MenuSource::systemSettings());
+        QCOMPARE(describe(entries), (QStringList{"---", "Privacy ▸"}));
+        QCOMPARE(describe(std::get<SubmenuEntry>(entries.last()).fill()), (QStringList{"Camera", "Location Services"}));
+        const auto search = all.of(MenuSource::Case::SystemSettings).searchLibrary();
+        QVERIFY(search->results(TextMatcher(QStringLiteral("priv")), 10).isEmpty());
+        QCOMPARE(search->results(TextMatcher(QStringLiteral("cam")), 10).size(), 1);
+    }
+
     void recentsSkipWhatIsGoneAndCanBeCleared()
     {
         QFile(path(QStringLiteral("kept.txt"))).open(QIODevice::WriteOnly);
