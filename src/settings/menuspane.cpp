@@ -1,0 +1,424 @@
+#include "settings/menuspane.h"
+
+#include "catalog/systemstrings.h"
+#include "config/menustore.h"
+#include "config/urls.h"
+#include "platform/itemicons.h"
+#include "settings/checkableurlsmodel.h"
+#include "settings/custommenusmodel.h"
+#include "settings/itemchooser.h"
+#include "settings/menuitemsmodel.h"
+#include "settings/panetreemodel.h"
+#include "settings/symbolpicker.h"
+#include "sources/contentsources.h"
+#include "sources/shortcutlibrary.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QToolButton>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+namespace {
+
+QPushButton *button(const QString &title, QWidget *parent, const QString &iconName = {})
+{
+    auto *made = new QPushButton(title, parent);
+    made->setAccessibleName(title);
+    made->setAutoDefault(false);
+    if (!iconName.isEmpty())
+        made->setIcon(QIcon::fromTheme(iconName));
+    return made;
+}
+
+QLabel *placeholder(const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(text, parent);
+    label->setAccessibleName(text);
+    label->setAlignment(Qt::AlignCenter);
+    label->setEnabled(false);
+    return label;
+}
+
+QString colorName(SystemStrings &strings, FolderColor color)
+{
+    return strings.text(SystemString(int(SystemString::Blue) + int(color)));
+}
+
+} // namespace
+
+MenusPane::MenusPane(const SettingsServices &services, QWidget *parent)
+    : QWidget(parent)
+    , m_services(services)
+    , m_strings(services.sources.context().strings)
+    , m_menus(new CustomMenusModel(services.store, this))
+    , m_itemsModel(new MenuItemsModel(services.sources, this))
+{
+    auto *splitter = new QSplitter(this);
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(makeList());
+    m_detail = new QStackedWidget(splitter);
+    m_detail->addWidget(placeholder(m_strings.text(SystemString::NoSelection), m_detail));
+    m_detail->addWidget(makeEditor());
+    splitter->addWidget(m_detail);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({220, 480});
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(splitter);
+
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MenusPane::showCurrent);
+    // The list has caught up by now: it follows the store first.
+    connect(&services.store, &MenuStore::menusChanged, this, &MenusPane::showCurrent);
+    if (m_menus->rowCount() > 0)
+        m_list->setCurrentIndex(m_menus->index(0));
+    showCurrent();
+}
+
+MenusPane::~MenusPane()
+{
+    // Closing the window takes the focus from the name field, which would
+    // commit into a pane that is half gone.
+    m_name->disconnect(this);
+}
+
+QWidget *MenusPane::makeList()
+{
+    auto *box = new QWidget(this);
+    auto *layout = new QVBoxLayout(box);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_list = new QListView(box);
+    m_list->setAccessibleName(m_strings.text(SystemString::Menus));
+    m_list->setModel(m_menus);
+    m_list->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_list->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
+    auto *remove = new QAction(m_list);
+    remove->setShortcut(QKeySequence::Delete);
+    remove->setShortcutContext(Qt::WidgetShortcut);
+    connect(remove, &QAction::triggered, this, &MenusPane::deleteMenu);
+    m_list->addAction(remove);
+    layout->addWidget(m_list);
+
+    auto *buttons = new QHBoxLayout;
+    QPushButton *add = button(m_strings.text(SystemString::Add), box, QStringLiteral("list-add"));
+    m_delete = button(m_strings.text(SystemString::Delete), box, QStringLiteral("list-remove"));
+    m_duplicate = button(m_strings.text(SystemString::Duplicate), box, QStringLiteral("edit-copy"));
+    connect(add, &QPushButton::clicked, this, &MenusPane::addMenu);
+    connect(m_delete, &QPushButton::clicked, this, &MenusPane::deleteMenu);
+    connect(m_duplicate, &QPushButton::clicked, this, &MenusPane::duplicateMenu);
+    buttons->addWidget(add);
+    buttons->addWidget(m_delete);
+    buttons->addWidget(m_duplicate);
+    buttons->addStretch();
+    layout->addLayout(buttons);
+    return box;
+}
+
+QWidget *MenusPane::makeEditor()
+{
+    auto *editor = new QWidget(this);
+    auto *layout = new QVBoxLayout(editor);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *form = new QFormLayout;
+    layout->addLayout(form);
+
+    const QString nameTitle = m_strings.text(SystemString::Name);
+    m_name = new QLineEdit(editor);
+    m_name->setAccessibleName(nameTitle);
+    connect(m_name, &QLineEdit::editingFinished, this, &MenusPane::commitName);
+    form->addRow(nameTitle, m_name);
+
+    const QString iconTitle = m_strings.text(SystemString::Icon);
+    m_symbol = new QToolButton(editor);
+    m_symbol->setAccessibleName(iconTitle);
+    m_symbol->setIconSize(QSize(32, 32));
+    m_symbol->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    connect(m_symbol, &QToolButton::clicked, this, &MenusPane::chooseSymbol);
+    form->addRow(iconTitle, m_symbol);
+
+    const QString colorTitle = tr("Color");
+    m_color = new QComboBox(editor);
+    m_color->setAccessibleName(colorTitle);
+    m_color->addItem(m_strings.text(SystemString::None));
+    for (const auto color : allCases<FolderColor>())
+        m_color->addItem(colorName(m_strings, color), int(color));
+    connect(m_color, &QComboBox::activated, this, [this](int row) {
+        const QVariant color = m_color->itemData(row);
+        m_services.store.setColor(m_current,
+                                  color.isValid() ? std::optional(FolderColor(color.toInt())) : std::nullopt);
+    });
+    form->addRow(colorTitle, m_color);
+
+    const QString itemsTitle = tr("Items");
+    auto *itemsLabel = new QLabel(itemsTitle, editor);
+    layout->addWidget(itemsLabel);
+    m_itemsStack = new QStackedWidget(editor);
+    m_items = new QTreeView(m_itemsStack);
+    m_items->setAccessibleName(itemsTitle);
+    itemsLabel->setBuddy(m_items);
+    m_items->setModel(m_itemsModel);
+    m_items->setHeaderHidden(true);
+    m_items->setRootIsDecorated(false);
+    m_items->setItemsExpandable(false);
+    m_items->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_items->setDragDropMode(QAbstractItemView::InternalMove);
+    m_items->setDefaultDropAction(Qt::MoveAction);
+    m_items->setDropIndicatorShown(true);
+    const auto expand = [this] {
+        m_items->expandAll();
+        m_itemsStack->setCurrentIndex(m_itemsModel->isEmpty() ? 1 : 0);
+        m_remove->setEnabled(!m_itemsModel->isEmpty());
+    };
+    connect(m_itemsModel, &QAbstractItemModel::modelReset, this, expand);
+    connect(m_itemsModel, &QAbstractItemModel::layoutChanged, this, expand);
+    const auto shortcut = [this](const QKeySequence &keys, auto run) {
+        auto *action = new QAction(m_items);
+        action->setShortcut(keys);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        connect(action, &QAction::triggered, this, run);
+        m_items->addAction(action);
+    };
+    shortcut(QKeySequence::Delete, [this] { removeItems(); });
+    shortcut(QKeySequence(Qt::ALT | Qt::Key_Up), [this] { moveItem(-1); });
+    shortcut(QKeySequence(Qt::ALT | Qt::Key_Down), [this] { moveItem(1); });
+    m_itemsStack->addWidget(m_items);
+    m_itemsStack->addWidget(placeholder(m_strings.text(SystemString::NoItems), m_itemsStack));
+    layout->addWidget(m_itemsStack, 1);
+    layout->addWidget(makeItemButtons());
+    expand();
+    return editor;
+}
+
+QWidget *MenusPane::makeItemButtons()
+{
+    auto *box = new QWidget(this);
+    auto *layout = new QHBoxLayout(box);
+    layout->setContentsMargins(0, 0, 0, 0);
+    const QString addIcon = QStringLiteral("list-add");
+    QPushButton *apps = button(m_services.sources.title(MenuSource::applications()), box, addIcon);
+    connect(apps, &QPushButton::clicked, this, &MenusPane::chooseApplications);
+    QPushButton *files = button(m_strings.text(SystemString::FilesAndFolders), box, addIcon);
+    auto *filesMenu = new QMenu(files);
+    filesMenu->addAction(tr("Add Files"), this, &MenusPane::addFiles);
+    filesMenu->addAction(m_strings.text(SystemString::AddFolder), this, &MenusPane::addFolder);
+    files->setMenu(filesMenu);
+    QPushButton *shortcuts = button(m_services.sources.title(MenuSource::shortcuts()), box, addIcon);
+    connect(shortcuts, &QPushButton::clicked, this, &MenusPane::chooseShortcuts);
+    QPushButton *settings = button(m_strings.text(SystemString::SystemSettings), box, addIcon);
+    connect(settings, &QPushButton::clicked, this, &MenusPane::chooseSettings);
+    m_remove = button(m_strings.text(SystemString::Remove), box, QStringLiteral("list-remove"));
+    connect(m_remove, &QPushButton::clicked, this, &MenusPane::removeItems);
+    for (QWidget *widget : std::initializer_list<QWidget *>{apps, files, shortcuts, settings})
+        layout->addWidget(widget);
+    layout->addStretch();
+    layout->addWidget(m_remove);
+    return box;
+}
+
+void MenusPane::selectMenu(const QUuid &id)
+{
+    const QModelIndex index = m_menus->indexOf(id);
+    m_list->setCurrentIndex(index);
+    m_list->selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
+}
+
+void MenusPane::showCurrent()
+{
+    const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
+    const QUuid id = selected.isEmpty() ? QUuid() : m_menus->idAt(selected.first());
+    const auto menu = m_services.store.menu(id);
+    m_current = menu ? id : QUuid();
+    m_delete->setEnabled(menu.has_value());
+    m_duplicate->setEnabled(menu.has_value());
+    m_detail->setCurrentIndex(menu ? 1 : 0);
+    m_itemsModel->setMenu(m_current);
+    if (!menu)
+        return;
+    // A name being typed is kept until it is committed.
+    if (!(m_name->hasFocus() && m_name->isModified()))
+        m_name->setText(menu->name);
+    const QIcon preview = drawnIcon(ItemIcon{MenuSymbolIcon{menu->symbol, menu->color}});
+    m_symbol->setIcon(preview);
+    m_symbol->setToolTip(menu->symbol.value_or(m_strings.text(SystemString::None)));
+    m_color->setCurrentIndex(menu->color ? int(*menu->color) + 1 : 0);
+    for (int row = 1; row < m_color->count(); ++row)
+        m_color->setItemIcon(row, drawnIcon(ItemIcon{MenuSymbolIcon{menu->symbol, FolderColor(row - 1)}}));
+    m_color->setItemIcon(0, drawnIcon(ItemIcon{MenuSymbolIcon{menu->symbol, std::nullopt}}));
+}
+
+void MenusPane::commitName()
+{
+    const auto menu = m_services.store.menu(m_current);
+    if (!menu)
+        return;
+    m_name->setModified(false);
+    const QString name = m_name->text().trimmed();
+    if (name != menu->name && m_menus->setData(m_menus->indexOf(m_current), name))
+        return;
+    // Refused or unchanged: show what is stored.
+    m_name->setText(menu->name);
+}
+
+void MenusPane::addMenu()
+{
+    selectMenu(m_menus->idAt(m_menus->addMenu(m_strings.text(SystemString::Untitled))));
+    m_name->setFocus(Qt::OtherFocusReason);
+    m_name->selectAll();
+}
+
+void MenusPane::deleteMenu()
+{
+    const auto menu = m_services.store.menu(m_current);
+    if (!menu)
+        return;
+    QMessageBox box(QMessageBox::Warning, windowTitle(),
+                    m_strings.text(SystemString::DeleteConfirmation).replace(QStringLiteral("%@"), menu->name),
+                    QMessageBox::Cancel, this);
+    box.setInformativeText(m_strings.text(SystemString::CantUndo));
+    QPushButton *confirm = box.addButton(m_strings.text(SystemString::Delete), QMessageBox::DestructiveRole);
+    confirm->setAccessibleName(confirm->text());
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    if (box.clickedButton() != confirm)
+        return;
+    const int row = m_menus->indexOf(menu->id).row();
+    m_services.store.removeMenu(menu->id);
+    // The neighbour takes the place, so the keyboard stays in the list.
+    if (m_menus->rowCount() > 0)
+        selectMenu(m_menus->idAt(m_menus->index(std::min(row, m_menus->rowCount() - 1))));
+    m_list->setFocus();
+}
+
+void MenusPane::duplicateMenu()
+{
+    const auto menu = m_services.store.menu(m_current);
+    if (!menu)
+        return;
+    const QString name = m_strings.text(SystemString::CopyOf).replace(QStringLiteral("%@"), menu->name);
+    selectMenu(m_menus->idAt(m_menus->duplicateMenu(m_menus->indexOf(menu->id), name)));
+}
+
+void MenusPane::chooseSymbol()
+{
+    const auto menu = m_services.store.menu(m_current);
+    if (!menu)
+        return;
+    SymbolPicker picker(m_strings, menu->symbol, this);
+    if (picker.exec() == QDialog::Accepted)
+        m_services.store.setSymbol(menu->id, picker.symbol());
+}
+
+void MenusPane::addFiles()
+{
+    const QList<QUrl> urls = QFileDialog::getOpenFileUrls(this, m_strings.text(SystemString::FilesAndFolders),
+                                                          QUrl::fromLocalFile(QDir::homePath()));
+    for (const QUrl &url : urls)
+        m_services.store.setIncluded(true, url, m_current);
+}
+
+void MenusPane::addFolder()
+{
+    const QUrl url = QFileDialog::getExistingDirectoryUrl(this, m_strings.text(SystemString::AddFolder),
+                                                          QUrl::fromLocalFile(QDir::homePath()));
+    if (!url.isLocalFile())
+        return;
+    // The trailing slash is how a stored URL says it is a folder.
+    QString path = url.toLocalFile();
+    if (!path.endsWith(QLatin1Char('/')))
+        path.append(QLatin1Char('/'));
+    m_services.store.setIncluded(true, QUrl::fromLocalFile(path), m_current);
+}
+
+void MenusPane::chooseSettings()
+{
+    auto *model = new PaneTreeModel(m_services.sources);
+    model->setMenu(m_current);
+    auto *chooser = new ItemChooser(m_strings.text(SystemString::SystemSettings), model, m_strings, -1, this);
+    model->setParent(chooser);
+    chooser->setAttribute(Qt::WA_DeleteOnClose);
+    chooser->open();
+}
+
+void MenusPane::chooseApplications()
+{
+    const auto &context = m_services.sources.context();
+    auto *model = new CheckableUrlsModel(context.store, [scan = context.scanApps] {
+        const std::function<QList<CheckableUrlsModel::Entry>(const QList<AppEntry> &)> entries =
+            [&entries](const QList<AppEntry> &tree) {
+                QList<CheckableUrlsModel::Entry> list;
+                for (const AppEntry &entry : tree) {
+                    if (const App *app = entry.app())
+                        list.append({app->name, app->url, drawnIcon(ItemIcon{NamedIcon{app->icon}}), {}});
+                    else if (const AppFolder *folder = entry.folder())
+                        list.append(
+                            {folder->name, {}, drawnIcon(ItemIcon{NamedIcon{folder->icon}}), entries(folder->entries)});
+                }
+                return list;
+            };
+        return entries(scan());
+    });
+    model->setMenu(m_current);
+    auto *chooser = new ItemChooser(m_services.sources.title(MenuSource::applications()), model, m_strings,
+                                    CheckableUrlsModel::FoldedTitleRole, this);
+    model->setParent(chooser);
+    chooser->setAttribute(Qt::WA_DeleteOnClose);
+    chooser->open();
+}
+
+void MenusPane::chooseShortcuts()
+{
+    const auto &context = m_services.sources.context();
+    const ShortcutLibrary &library = context.shortcuts;
+    auto *model = new CheckableUrlsModel(context.store, [&library] {
+        const QIcon shortcutIcon = drawnIcon(ItemIcon{NamedIcon{QStringLiteral("system-run")}});
+        const QIcon folderIcon = QIcon::fromTheme(QStringLiteral("folder"));
+        const auto entries = [&shortcutIcon](const QList<ShortcutRef> &shortcuts) {
+            QList<CheckableUrlsModel::Entry> list;
+            for (const ShortcutRef &shortcut : shortcuts)
+                list.append({shortcut.name, shortcutURL(shortcut.id), shortcutIcon, {}});
+            return list;
+        };
+        QList<CheckableUrlsModel::Entry> list;
+        for (const auto &folder : library.snapshot().folders)
+            list.append({folder.ref.name, {}, folderIcon, entries(folder.shortcuts)});
+        return list + entries(library.snapshot().unfiled);
+    });
+    connect(&library, &ShortcutLibrary::snapshotChanged, model, &CheckableUrlsModel::reload);
+    model->setMenu(m_current);
+    auto *chooser = new ItemChooser(m_services.sources.title(MenuSource::shortcuts()), model, m_strings, -1, this);
+    model->setParent(chooser);
+    chooser->setAttribute(Qt::WA_DeleteOnClose);
+    chooser->open();
+}
+
+void MenusPane::removeItems()
+{
+    m_itemsModel->remove(m_items->selectionModel()->selectedRows());
+}
+
+void MenusPane::moveItem(int step)
+{
+    const QModelIndex current = m_items->currentIndex();
+    if (!current.isValid())
+        return;
+    const int row = current.row();
+    // A move goes before the row that is at the destination now.
+    const int destination = step < 0 ? row - 1 : row + 2;
+    if (destination < 0 || destination > m_itemsModel->rowCount(current.parent()))
+        return;
+    if (!current.parent().isValid())
+        m_itemsModel->moveGroups({row}, destination);
+    else if (current.data(MenuItemsModel::KindRole).value<MenuItemKind>() == MenuItemKind::Settings)
+        m_itemsModel->moveSettings({row}, destination);
+}
