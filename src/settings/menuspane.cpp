@@ -33,11 +33,15 @@
 
 namespace {
 
-QPushButton *button(const QString &title, QWidget *parent, const QString &iconName = {})
+// Tool buttons: as wide as their text, so both rows fit a narrow window.
+QToolButton *button(const QString &title, QWidget *parent, const QString &iconName = {})
 {
-    auto *made = new QPushButton(title, parent);
+    auto *made = new QToolButton(parent);
+    // A "&" in a desktop's text is not a mnemonic.
+    made->setText(QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")));
     made->setAccessibleName(title);
-    made->setAutoDefault(false);
+    made->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    made->setFocusPolicy(Qt::StrongFocus);
     if (!iconName.isEmpty())
         made->setIcon(QIcon::fromTheme(iconName));
     return made;
@@ -111,12 +115,12 @@ QWidget *MenusPane::makeList()
     layout->addWidget(m_list);
 
     auto *buttons = new QHBoxLayout;
-    QPushButton *add = button(m_strings.text(SystemString::Add), box, QStringLiteral("list-add"));
-    m_delete = button(m_strings.text(SystemString::Delete), box, QStringLiteral("list-remove"));
-    m_duplicate = button(m_strings.text(SystemString::Duplicate), box, QStringLiteral("edit-copy"));
-    connect(add, &QPushButton::clicked, this, &MenusPane::addMenu);
-    connect(m_delete, &QPushButton::clicked, this, &MenusPane::deleteMenu);
-    connect(m_duplicate, &QPushButton::clicked, this, &MenusPane::duplicateMenu);
+    QToolButton *add = button(m_strings.text(SystemString::Add), box);
+    m_delete = button(m_strings.text(SystemString::Delete), box);
+    m_duplicate = button(m_strings.text(SystemString::Duplicate), box);
+    connect(add, &QToolButton::clicked, this, &MenusPane::addMenu);
+    connect(m_delete, &QToolButton::clicked, this, &MenusPane::deleteMenu);
+    connect(m_duplicate, &QToolButton::clicked, this, &MenusPane::duplicateMenu);
     buttons->addWidget(add);
     buttons->addWidget(m_delete);
     buttons->addWidget(m_duplicate);
@@ -150,6 +154,7 @@ QWidget *MenusPane::makeEditor()
     const QString colorTitle = tr("Color");
     m_color = new QComboBox(editor);
     m_color->setAccessibleName(colorTitle);
+    m_color->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_color->addItem(m_strings.text(SystemString::None));
     for (const auto color : allCases<FolderColor>())
         m_color->addItem(colorName(m_strings, color), int(color));
@@ -162,7 +167,14 @@ QWidget *MenusPane::makeEditor()
 
     const QString itemsTitle = tr("Items");
     auto *itemsLabel = new QLabel(itemsTitle, editor);
-    layout->addWidget(itemsLabel);
+    // Remove stands over the list so the row of adding buttons below fits a
+    // narrow window.
+    m_remove = button(m_strings.text(SystemString::Remove), editor, QStringLiteral("list-remove"));
+    connect(m_remove, &QToolButton::clicked, this, &MenusPane::removeItems);
+    auto *heading = new QHBoxLayout;
+    heading->addWidget(itemsLabel, 1);
+    heading->addWidget(m_remove);
+    layout->addLayout(heading);
     m_itemsStack = new QStackedWidget(editor);
     m_items = new QTreeView(m_itemsStack);
     m_items->setAccessibleName(itemsTitle);
@@ -206,23 +218,21 @@ QWidget *MenusPane::makeItemButtons()
     auto *layout = new QHBoxLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
     const QString addIcon = QStringLiteral("list-add");
-    QPushButton *apps = button(m_services.sources.title(MenuSource::applications()), box, addIcon);
-    connect(apps, &QPushButton::clicked, this, &MenusPane::chooseApplications);
-    QPushButton *files = button(m_strings.text(SystemString::FilesAndFolders), box, addIcon);
+    QToolButton *apps = button(m_services.sources.title(MenuSource::applications()), box, addIcon);
+    connect(apps, &QToolButton::clicked, this, &MenusPane::chooseApplications);
+    QToolButton *files = button(m_strings.text(SystemString::FilesAndFolders), box, addIcon);
     auto *filesMenu = new QMenu(files);
     filesMenu->addAction(tr("Add Files"), this, &MenusPane::addFiles);
     filesMenu->addAction(m_strings.text(SystemString::AddFolder), this, &MenusPane::addFolder);
     files->setMenu(filesMenu);
-    QPushButton *shortcuts = button(m_services.sources.title(MenuSource::shortcuts()), box, addIcon);
-    connect(shortcuts, &QPushButton::clicked, this, &MenusPane::chooseShortcuts);
-    QPushButton *settings = button(m_strings.text(SystemString::SystemSettings), box, addIcon);
-    connect(settings, &QPushButton::clicked, this, &MenusPane::chooseSettings);
-    m_remove = button(m_strings.text(SystemString::Remove), box, QStringLiteral("list-remove"));
-    connect(m_remove, &QPushButton::clicked, this, &MenusPane::removeItems);
+    files->setPopupMode(QToolButton::InstantPopup);
+    QToolButton *shortcuts = button(m_services.sources.title(MenuSource::shortcuts()), box, addIcon);
+    connect(shortcuts, &QToolButton::clicked, this, &MenusPane::chooseShortcuts);
+    QToolButton *settings = button(m_strings.text(SystemString::SystemSettings), box, addIcon);
+    connect(settings, &QToolButton::clicked, this, &MenusPane::chooseSettings);
     for (QWidget *widget : std::initializer_list<QWidget *>{apps, files, shortcuts, settings})
         layout->addWidget(widget);
     layout->addStretch();
-    layout->addWidget(m_remove);
     return box;
 }
 

@@ -11,7 +11,6 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListView;
-class QPushButton;
 class QStackedWidget;
 class QToolButton;
 class QTreeView;
@@ -58,13 +57,13 @@ private:
     QUuid m_current;
 
     QListView *m_list = nullptr;
-    QPushButton *m_delete = nullptr;
-    QPushButton *m_duplicate = nullptr;
+    QToolButton *m_delete = nullptr;
+    QToolButton *m_duplicate = nullptr;
     QStackedWidget *m_detail = nullptr;
     QLineEdit *m_name = nullptr;
     QToolButton *m_symbol = nullptr;
     QComboBox *m_color = nullptr;
     QStackedWidget *m_itemsStack = nullptr;
     QTreeView *m_items = nullptr;
-    QPushButton *m_remove = nullptr;
+    QToolButton *m_remove = nullptr;
 };

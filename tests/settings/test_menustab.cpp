@@ -14,13 +14,13 @@
 #include "settings/updatesettings.h"
 #include "sources/shortcutlibrary.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -301,13 +301,13 @@ private Q_SLOTS:
         }
         QVERIFY(noSelection && noSelection->isVisible());
 
-        const auto buttons = pane.findChildren<QPushButton *>();
+        const auto buttons = pane.findChildren<QAbstractButton *>();
         const auto named = [&buttons](const QString &name) {
-            for (QPushButton *button : buttons) {
+            for (QAbstractButton *button : buttons) {
                 if (button->accessibleName() == name)
                     return button;
             }
-            return static_cast<QPushButton *>(nullptr);
+            return static_cast<QAbstractButton *>(nullptr);
         };
         named(QStringLiteral("Add"))->click();
         QCOMPARE(m_store->menus().size(), 1);
