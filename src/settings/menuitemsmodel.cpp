@@ -284,9 +284,9 @@ std::optional<int> MenuItemsModel::dropRow(std::optional<MenuItemKind> dragged, 
     if (!dragged) {
         if (!parent.isValid())
             return row < 0 ? rowCount() : row;
-        // Dropped on a group: before it.
-        if (parent.internalId() == groupId && row < 0)
-            return parent.row();
+        // On a group's heading: before it; among its items: after it.
+        if (parent.internalId() == groupId)
+            return row < 0 ? parent.row() : parent.row() + 1;
         return std::nullopt;
     }
     const QModelIndex settings = groupIndex(MenuItemKind::Settings);

@@ -173,7 +173,9 @@ private Q_SLOTS:
         QCOMPARE(displayRow.data().toString(), QStringLiteral("Displays"));
 
         std::unique_ptr<QMimeData> groups(model.mimeData({settings}));
-        QVERIFY(!model.canDropMimeData(groups.get(), Qt::MoveAction, 0, 0, settings));
+        // Among a group's items, a group lands after that group.
+        QVERIFY(model.canDropMimeData(groups.get(), Qt::MoveAction, 0, 0, model.index(0, 0)));
+        QVERIFY(!model.canDropMimeData(groups.get(), Qt::MoveAction, -1, 0, model.index(0, 0, settings)));
         QVERIFY(model.dropMimeData(groups.get(), Qt::MoveAction, 0, 0, {}));
         QCOMPARE(titles(model), (QStringList{"System Settings", "Files & Folders"}));
         QCOMPARE(saved(id).groupOrder, (std::optional(QList{MenuItemKind::Settings, MenuItemKind::Files,
