@@ -1,6 +1,7 @@
 #include "settings/checkableurlsmodel.h"
 
 #include "config/menustore.h"
+#include "config/urls.h"
 #include "sources/textmatch.h"
 
 CheckableUrlsModel::CheckableUrlsModel(MenuStore &store, std::function<QList<Entry>()> list, QObject *parent)
@@ -154,11 +155,18 @@ bool CheckableUrlsModel::setData(const QModelIndex &index, const QVariant &value
             urls.append(item.entry.url);
         pending.append(item.children);
     }
-    const QUuid menu = m_menu;
-    for (const QUrl &url : std::as_const(urls)) {
-        // Including again would move the item to the end of the menu.
-        if (include != m_picked.contains(url))
-            m_store.setIncluded(include, url, menu);
-    }
+    // Including again would move an item to the end of the menu.
+    urls.removeIf([this, include](const QUrl &url) { return include == m_picked.contains(normalizedURL(url)); });
+    if (urls.isEmpty())
+        return true;
+    // One change for a whole heading: the menu is saved once, not once per item.
+    m_store.updateMenu(m_menu, [&urls, include](CustomMenu &menu) {
+        for (const QUrl &url : std::as_const(urls)) {
+            const QUrl normalized = normalizedURL(url);
+            menu.urls.removeAll(normalized);
+            if (include)
+                menu.urls.append(normalized);
+        }
+    });
     return true;
 }
