@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -215,7 +216,8 @@ QWidget *MenusPane::makeEditor()
 QWidget *MenusPane::makeItemButtons()
 {
     auto *box = new QWidget(this);
-    auto *layout = new QHBoxLayout(box);
+    // Two by two, so that longer words than English ones still fit.
+    auto *layout = new QGridLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
     const QString addIcon = QStringLiteral("list-add");
     QToolButton *apps = button(m_services.sources.title(MenuSource::applications()), box, addIcon);
@@ -230,9 +232,12 @@ QWidget *MenusPane::makeItemButtons()
     connect(shortcuts, &QToolButton::clicked, this, &MenusPane::chooseShortcuts);
     QToolButton *settings = button(m_strings.text(SystemString::SystemSettings), box, addIcon);
     connect(settings, &QToolButton::clicked, this, &MenusPane::chooseSettings);
-    for (QWidget *widget : std::initializer_list<QWidget *>{apps, files, shortcuts, settings})
-        layout->addWidget(widget);
-    layout->addStretch();
+    int at = 0;
+    for (QToolButton *widget : {apps, files, shortcuts, settings}) {
+        widget->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        layout->addWidget(widget, at / 2, at % 2);
+        ++at;
+    }
     return box;
 }
 

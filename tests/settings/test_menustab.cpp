@@ -320,6 +320,12 @@ private Q_SLOTS:
         QCOMPARE(name->text(), QStringLiteral("Untitled"));
         QCOMPARE(name->selectedText(), QStringLiteral("Untitled"));
 
+        // Screen readers and tests find every control by its label.
+        for (QWidget *widget : pane.findChildren<QWidget *>()) {
+            if (widget->focusPolicy() != Qt::NoFocus && widget->isVisibleTo(&pane))
+                QVERIFY2(!widget->accessibleName().isEmpty(), widget->metaObject()->className());
+        }
+
         QTest::keyClicks(name, QStringLiteral("Home"));
         QTest::keyClick(name, Qt::Key_Return);
         QCOMPARE(saved(pane.currentMenu()).name, QStringLiteral("Home"));
