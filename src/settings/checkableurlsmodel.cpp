@@ -4,13 +4,11 @@
 #include "config/urls.h"
 #include "sources/textmatch.h"
 
-CheckableUrlsModel::CheckableUrlsModel(MenuStore &store, std::function<QList<Entry>()> list, QObject *parent)
+CheckableUrlsModel::CheckableUrlsModel(MenuStore &store, QObject *parent)
     : QAbstractItemModel(parent)
     , m_store(store)
-    , m_list(std::move(list))
 {
-    connect(&store, &MenuStore::menusChanged, this, &CheckableUrlsModel::follow);
-    reload();
+    connect(&store, &MenuStore::menusChanged, this, [this] { follow(); });
 }
 
 void CheckableUrlsModel::add(const QList<Entry> &entries, int parent, QList<int> &rows)
@@ -25,29 +23,29 @@ void CheckableUrlsModel::add(const QList<Entry> &entries, int parent, QList<int>
     }
 }
 
-void CheckableUrlsModel::reload()
+void CheckableUrlsModel::setEntries(const QList<Entry> &entries)
 {
     beginResetModel();
     m_nodes.clear();
     m_roots.clear();
-    add(m_list(), -1, m_roots);
+    add(entries, -1, m_roots);
     endResetModel();
 }
 
 void CheckableUrlsModel::setMenu(const QUuid &id)
 {
     m_menu = id;
-    follow();
+    follow(true);
 }
 
-void CheckableUrlsModel::follow()
+void CheckableUrlsModel::follow(bool always)
 {
     QSet<QUrl> picked;
     if (const auto menu = m_store.menu(m_menu)) {
         for (const QUrl &url : menu->urls)
             picked.insert(url);
     }
-    if (picked == m_picked)
+    if (picked == m_picked && !always)
         return;
     m_picked = picked;
     if (!m_roots.isEmpty())

@@ -6,8 +6,6 @@
 #include <QUrl>
 #include <QUuid>
 
-#include <functional>
-
 class MenuStore;
 
 // Things a custom menu can hold (applications, shortcuts), each with a
@@ -28,14 +26,12 @@ public:
     };
     enum Role { UrlRole = Qt::UserRole + 1, FoldedTitleRole };
 
-    // list gives the entries; it runs when the model is first shown and at
-    // every reload.
-    CheckableUrlsModel(MenuStore &store, std::function<QList<Entry>()> list, QObject *parent = nullptr);
+    explicit CheckableUrlsModel(MenuStore &store, QObject *parent = nullptr);
 
     void setMenu(const QUuid &id);
-    // Lists the entries again (the shortcuts tool answered, applications
-    // were installed).
-    void reload();
+    // What there is to pick; set again when it changes (the shortcuts tool
+    // answered, a scan of the applications finished).
+    void setEntries(const QList<Entry> &entries);
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;
@@ -53,13 +49,12 @@ private:
         QList<int> children;
     };
 
-    void follow();
+    void follow(bool always = false);
     const Node &node(const QModelIndex &index) const { return m_nodes.at(int(index.internalId())); }
     Qt::CheckState checkState(const Node &node) const;
     void add(const QList<Entry> &entries, int parent, QList<int> &rows);
 
     MenuStore &m_store;
-    std::function<QList<Entry>()> m_list;
     QUuid m_menu;
     QList<Node> m_nodes;
     QList<int> m_roots;

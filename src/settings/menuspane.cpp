@@ -15,6 +15,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
@@ -25,9 +26,11 @@
 #include <QListView>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QThreadPool>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -55,6 +58,35 @@ QLabel *placeholder(const QString &text, QWidget *parent)
     label->setAlignment(Qt::AlignCenter);
     label->setEnabled(false);
     return label;
+}
+
+// Applications by category, as the applications menu files them.
+QList<CheckableUrlsModel::Entry> appEntries(const QList<AppEntry> &tree)
+{
+    QList<CheckableUrlsModel::Entry> list;
+    for (const AppEntry &entry : tree) {
+        if (const App *app = entry.app())
+            list.append({app->name, app->url, drawnIcon(ItemIcon{NamedIcon{app->icon}}), {}});
+        else if (const AppFolder *folder = entry.folder())
+            list.append({folder->name, {}, drawnIcon(ItemIcon{NamedIcon{folder->icon}}), appEntries(folder->entries)});
+    }
+    return list;
+}
+
+// Each shortcut folder with its shortcuts, then the shortcuts in no folder.
+QList<CheckableUrlsModel::Entry> shortcutEntries(const ShortcutLibrary &library)
+{
+    const QIcon shortcutIcon = drawnIcon(ItemIcon{NamedIcon{QStringLiteral("system-run")}});
+    const auto entries = [&shortcutIcon](const QList<ShortcutRef> &shortcuts) {
+        QList<CheckableUrlsModel::Entry> list;
+        for (const ShortcutRef &shortcut : shortcuts)
+            list.append({shortcut.name, shortcutURL(shortcut.id), shortcutIcon, {}});
+        return list;
+    };
+    QList<CheckableUrlsModel::Entry> list;
+    for (const auto &folder : library.snapshot().folders)
+        list.append({folder.ref.name, {}, QIcon::fromTheme(QStringLiteral("folder")), entries(folder.shortcuts)});
+    return list + entries(library.snapshot().unfiled);
 }
 
 QString colorName(SystemStrings &strings, FolderColor color)
@@ -368,22 +400,20 @@ void MenusPane::chooseSettings()
 void MenusPane::chooseApplications()
 {
     const auto &context = m_services.sources.context();
-    auto *model = new CheckableUrlsModel(context.store, [scan = context.scanApps] {
-        const std::function<QList<CheckableUrlsModel::Entry>(const QList<AppEntry> &)> entries =
-            [&entries](const QList<AppEntry> &tree) {
-                QList<CheckableUrlsModel::Entry> list;
-                for (const AppEntry &entry : tree) {
-                    if (const App *app = entry.app())
-                        list.append({app->name, app->url, drawnIcon(ItemIcon{NamedIcon{app->icon}}), {}});
-                    else if (const AppFolder *folder = entry.folder())
-                        list.append(
-                            {folder->name, {}, drawnIcon(ItemIcon{NamedIcon{folder->icon}}), entries(folder->entries)});
-                }
-                return list;
-            };
-        return entries(scan());
-    });
+    auto *model = new CheckableUrlsModel(context.store);
     model->setMenu(m_current);
+    // Reading every desktop entry can take a moment on a full system: the
+    // window stays responsive and the list fills when it is done.
+    QThreadPool::globalInstance()->start([scan = context.scanApps, model = QPointer(model)] {
+        const QList<AppEntry> apps = scan();
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [model, apps] {
+                if (model)
+                    model->setEntries(appEntries(apps));
+            },
+            Qt::QueuedConnection);
+    });
     auto *chooser = new ItemChooser(m_services.sources.title(MenuSource::applications()), model, m_strings,
                                     CheckableUrlsModel::FoldedTitleRole, this);
     model->setParent(chooser);
@@ -395,21 +425,10 @@ void MenusPane::chooseShortcuts()
 {
     const auto &context = m_services.sources.context();
     const ShortcutLibrary &library = context.shortcuts;
-    auto *model = new CheckableUrlsModel(context.store, [&library] {
-        const QIcon shortcutIcon = drawnIcon(ItemIcon{NamedIcon{QStringLiteral("system-run")}});
-        const QIcon folderIcon = QIcon::fromTheme(QStringLiteral("folder"));
-        const auto entries = [&shortcutIcon](const QList<ShortcutRef> &shortcuts) {
-            QList<CheckableUrlsModel::Entry> list;
-            for (const ShortcutRef &shortcut : shortcuts)
-                list.append({shortcut.name, shortcutURL(shortcut.id), shortcutIcon, {}});
-            return list;
-        };
-        QList<CheckableUrlsModel::Entry> list;
-        for (const auto &folder : library.snapshot().folders)
-            list.append({folder.ref.name, {}, folderIcon, entries(folder.shortcuts)});
-        return list + entries(library.snapshot().unfiled);
-    });
-    connect(&library, &ShortcutLibrary::snapshotChanged, model, &CheckableUrlsModel::reload);
+    auto *model = new CheckableUrlsModel(context.store);
+    model->setEntries(shortcutEntries(library));
+    connect(&library, &ShortcutLibrary::snapshotChanged, model,
+            [model, &library] { model->setEntries(shortcutEntries(library)); });
     model->setMenu(m_current);
     auto *chooser = new ItemChooser(m_services.sources.title(MenuSource::shortcuts()), model, m_strings, -1, this);
     model->setParent(chooser);

@@ -25,7 +25,7 @@ PaneTreeModel::PaneTreeModel(const ContentSources &sources, QObject *parent)
         if (const auto pane = catalog.pane(id))
             m_roots.append(addPane(*pane, -1, int(m_roots.size()), path));
     }
-    connect(&sources.context().store, &MenuStore::menusChanged, this, &PaneTreeModel::follow);
+    connect(&sources.context().store, &MenuStore::menusChanged, this, [this] { follow(); });
 }
 
 int PaneTreeModel::addPane(const Pane &pane, int parent, int row, QList<QString> &path)
@@ -60,10 +60,11 @@ int PaneTreeModel::addPane(const Pane &pane, int parent, int row, QList<QString>
 void PaneTreeModel::setMenu(const QUuid &id)
 {
     m_menu = id;
-    follow();
+    // Even with the same picks: the boxes appear or go with the menu.
+    follow(true);
 }
 
-void PaneTreeModel::follow()
+void PaneTreeModel::follow(bool always)
 {
     const auto menu = m_sources.context().store.menu(m_menu);
     QSet<QUrl> picked;
@@ -71,7 +72,7 @@ void PaneTreeModel::follow()
         for (const QUrl &url : menu->urls)
             picked.insert(url);
     }
-    if (picked == m_picked)
+    if (picked == m_picked && !always)
         return;
     m_picked = picked;
     if (!m_roots.isEmpty())

@@ -47,7 +47,7 @@ private:
     };
 
     int addPane(const Pane &pane, int parent, int row, QList<QString> &path);
-    void follow();
+    void follow(bool always = false);
     Qt::CheckState checkState(const Node &node) const;
 
     const ContentSources &m_sources;
