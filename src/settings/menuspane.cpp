@@ -223,10 +223,12 @@ QWidget *MenusPane::makeEditor()
     const auto expand = [this] {
         m_items->expandAll();
         m_itemsStack->setCurrentIndex(m_itemsModel->isEmpty() ? 1 : 0);
-        m_remove->setEnabled(!m_itemsModel->isEmpty());
+        m_remove->setEnabled(m_items->selectionModel()->hasSelection());
     };
     connect(m_itemsModel, &QAbstractItemModel::modelReset, this, expand);
     connect(m_itemsModel, &QAbstractItemModel::layoutChanged, this, expand);
+    connect(m_items->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { m_remove->setEnabled(m_items->selectionModel()->hasSelection()); });
     const auto shortcut = [this](const QKeySequence &keys, auto run) {
         auto *action = new QAction(m_items);
         action->setShortcut(keys);

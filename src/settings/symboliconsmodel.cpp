@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QHash>
 #include <QIcon>
 #include <QSet>
 #include <QSettings>
@@ -45,6 +46,11 @@ SymbolicIconsModel::SymbolicIconsModel(const QStringList &names, QObject *parent
 
 QStringList SymbolicIconsModel::themeSymbols()
 {
+    // Thousands of files: walked once per theme and process.
+    static QHash<QString, QStringList> cache;
+    const QString theme = QIcon::themeName();
+    if (const auto hit = cache.constFind(theme); hit != cache.constEnd())
+        return *hit;
     QSet<QString> names;
     for (const QString &theme : themeChain()) {
         for (const QString &root : QIcon::themeSearchPaths()) {
@@ -60,6 +66,7 @@ QStringList SymbolicIconsModel::themeSymbols()
     }
     QStringList sorted(names.begin(), names.end());
     sorted.sort();
+    cache.insert(theme, sorted);
     return sorted;
 }
 

@@ -25,6 +25,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 
 namespace {
 
@@ -362,6 +363,36 @@ private Q_SLOTS:
         QVERIFY(m_store->menus().isEmpty());
         QVERIFY(MenuStore(*m_preferences).menus().isEmpty());
         QVERIFY(noSelection->isVisible());
+    }
+
+    // Drags have keyboard equivalents: Alt+Up and Alt+Down move the chosen
+    // place or group, Delete takes items out.
+    void paneMovesAndRemovesItemsFromTheKeyboard()
+    {
+        const QUuid id = m_store->addMenu(QStringLiteral("Places")).id;
+        for (const QUrl &url : {wifi, display, network})
+            m_store->setIncluded(true, url, id);
+        NoUpdates updates;
+        FakeBackend backend;
+        HotKeyCenters hotKeys(*m_preferences, backend);
+        MenusPane pane(SettingsServices{*m_preferences, *m_store, updates, *m_sources, hotKeys});
+        pane.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&pane));
+        QCOMPARE(pane.currentMenu(), id);
+        auto *items = pane.findChild<QTreeView *>();
+        const QModelIndex settings = items->model()->index(0, 0);
+        items->setFocus();
+        items->setCurrentIndex(items->model()->index(2, 0, settings));
+        QTest::keyClick(items, Qt::Key_Up, Qt::AltModifier);
+        QCOMPARE(saved(id).urls, (QList<QUrl>{wifi, network, display}));
+        QCOMPARE(items->currentIndex().data().toString(), QStringLiteral("Network"));
+        QTest::keyClick(items, Qt::Key_Up, Qt::AltModifier);
+        QTest::keyClick(items, Qt::Key_Up, Qt::AltModifier);
+        QCOMPARE(saved(id).urls, (QList<QUrl>{network, wifi, display}));
+
+        QTest::keyClick(items, Qt::Key_Down, Qt::ShiftModifier);
+        QTest::keyClick(items, Qt::Key_Delete);
+        QCOMPARE(saved(id).urls, QList<QUrl>{display});
     }
 };
 
