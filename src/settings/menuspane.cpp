@@ -2,54 +2,30 @@
 
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
-#include "config/urls.h"
 #include "platform/itemicons.h"
-#include "settings/checkableurlsmodel.h"
+#include "settings/additembuttons.h"
 #include "settings/custommenusmodel.h"
-#include "settings/itemchooser.h"
+#include "settings/labelledbutton.h"
 #include "settings/menuitemsmodel.h"
-#include "settings/panetreemodel.h"
 #include "settings/symbolpicker.h"
 #include "sources/contentsources.h"
-#include "sources/shortcutlibrary.h"
 
 #include <QAction>
 #include <QComboBox>
-#include <QCoreApplication>
-#include <QDir>
-#include <QFileDialog>
 #include <QFormLayout>
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
-#include <QMenu>
 #include <QMessageBox>
-#include <QPointer>
 #include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QThreadPool>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 
 namespace {
-
-// Tool buttons: as wide as their text, so both rows fit a narrow window.
-QToolButton *button(const QString &title, QWidget *parent, const QString &iconName = {})
-{
-    auto *made = new QToolButton(parent);
-    // A "&" in a desktop's text is not a mnemonic.
-    made->setText(QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")));
-    made->setAccessibleName(title);
-    made->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    made->setFocusPolicy(Qt::StrongFocus);
-    if (!iconName.isEmpty())
-        made->setIcon(QIcon::fromTheme(iconName));
-    return made;
-}
 
 QLabel *placeholder(const QString &text, QWidget *parent)
 {
@@ -58,35 +34,6 @@ QLabel *placeholder(const QString &text, QWidget *parent)
     label->setAlignment(Qt::AlignCenter);
     label->setEnabled(false);
     return label;
-}
-
-// Applications by category, as the applications menu files them.
-QList<CheckableUrlsModel::Entry> appEntries(const QList<AppEntry> &tree)
-{
-    QList<CheckableUrlsModel::Entry> list;
-    for (const AppEntry &entry : tree) {
-        if (const App *app = entry.app())
-            list.append({app->name, app->url, drawnIcon(ItemIcon{NamedIcon{app->icon}}), {}});
-        else if (const AppFolder *folder = entry.folder())
-            list.append({folder->name, {}, drawnIcon(ItemIcon{NamedIcon{folder->icon}}), appEntries(folder->entries)});
-    }
-    return list;
-}
-
-// Each shortcut folder with its shortcuts, then the shortcuts in no folder.
-QList<CheckableUrlsModel::Entry> shortcutEntries(const ShortcutLibrary &library)
-{
-    const QIcon shortcutIcon = drawnIcon(ItemIcon{NamedIcon{QStringLiteral("system-run")}});
-    const auto entries = [&shortcutIcon](const QList<ShortcutRef> &shortcuts) {
-        QList<CheckableUrlsModel::Entry> list;
-        for (const ShortcutRef &shortcut : shortcuts)
-            list.append({shortcut.name, shortcutURL(shortcut.id), shortcutIcon, {}});
-        return list;
-    };
-    QList<CheckableUrlsModel::Entry> list;
-    for (const auto &folder : library.snapshot().folders)
-        list.append({folder.ref.name, {}, QIcon::fromTheme(QStringLiteral("folder")), entries(folder.shortcuts)});
-    return list + entries(library.snapshot().unfiled);
 }
 
 QString colorName(SystemStrings &strings, FolderColor color)
@@ -148,9 +95,9 @@ QWidget *MenusPane::makeList()
     layout->addWidget(m_list);
 
     auto *buttons = new QHBoxLayout;
-    QToolButton *add = button(m_strings.text(SystemString::Add), box);
-    m_delete = button(m_strings.text(SystemString::Delete), box);
-    m_duplicate = button(m_strings.text(SystemString::Duplicate), box);
+    QToolButton *add = labelledButton(m_strings.text(SystemString::Add), box);
+    m_delete = labelledButton(m_strings.text(SystemString::Delete), box);
+    m_duplicate = labelledButton(m_strings.text(SystemString::Duplicate), box);
     connect(add, &QToolButton::clicked, this, &MenusPane::addMenu);
     connect(m_delete, &QToolButton::clicked, this, &MenusPane::deleteMenu);
     connect(m_duplicate, &QToolButton::clicked, this, &MenusPane::duplicateMenu);
@@ -202,7 +149,7 @@ QWidget *MenusPane::makeEditor()
     auto *itemsLabel = new QLabel(itemsTitle, editor);
     // Remove stands over the list so the row of adding buttons below fits a
     // narrow window.
-    m_remove = button(m_strings.text(SystemString::Remove), editor, QStringLiteral("list-remove"));
+    m_remove = labelledButton(m_strings.text(SystemString::Remove), editor, QStringLiteral("list-remove"));
     connect(m_remove, &QToolButton::clicked, this, &MenusPane::removeItems);
     auto *heading = new QHBoxLayout;
     heading->addWidget(itemsLabel, 1);
@@ -242,37 +189,10 @@ QWidget *MenusPane::makeEditor()
     m_itemsStack->addWidget(m_items);
     m_itemsStack->addWidget(placeholder(m_strings.text(SystemString::NoItems), m_itemsStack));
     layout->addWidget(m_itemsStack, 1);
-    layout->addWidget(makeItemButtons());
+    m_addItems = new AddItemButtons(m_services.sources, editor);
+    layout->addWidget(m_addItems);
     expand();
     return editor;
-}
-
-QWidget *MenusPane::makeItemButtons()
-{
-    auto *box = new QWidget(this);
-    // Two by two, so that longer words than English ones still fit.
-    auto *layout = new QGridLayout(box);
-    layout->setContentsMargins(0, 0, 0, 0);
-    const QString addIcon = QStringLiteral("list-add");
-    QToolButton *apps = button(m_services.sources.title(MenuSource::applications()), box, addIcon);
-    connect(apps, &QToolButton::clicked, this, &MenusPane::chooseApplications);
-    QToolButton *files = button(m_strings.text(SystemString::FilesAndFolders), box, addIcon);
-    auto *filesMenu = new QMenu(files);
-    filesMenu->addAction(tr("Add Files"), this, &MenusPane::addFiles);
-    filesMenu->addAction(m_strings.text(SystemString::AddFolder), this, &MenusPane::addFolder);
-    files->setMenu(filesMenu);
-    files->setPopupMode(QToolButton::InstantPopup);
-    QToolButton *shortcuts = button(m_services.sources.title(MenuSource::shortcuts()), box, addIcon);
-    connect(shortcuts, &QToolButton::clicked, this, &MenusPane::chooseShortcuts);
-    QToolButton *settings = button(m_strings.text(SystemString::SystemSettings), box, addIcon);
-    connect(settings, &QToolButton::clicked, this, &MenusPane::chooseSettings);
-    int at = 0;
-    for (QToolButton *widget : {apps, files, shortcuts, settings}) {
-        widget->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        layout->addWidget(widget, at / 2, at % 2);
-        ++at;
-    }
-    return box;
 }
 
 void MenusPane::selectMenu(const QUuid &id)
@@ -292,6 +212,7 @@ void MenusPane::showCurrent()
     m_duplicate->setEnabled(menu.has_value());
     m_detail->setCurrentIndex(menu ? 1 : 0);
     m_itemsModel->setMenu(m_current);
+    m_addItems->setMenu(m_current);
     if (!menu)
         return;
     // A name being typed is kept until it is committed.
@@ -366,76 +287,6 @@ void MenusPane::chooseSymbol()
     SymbolPicker picker(m_strings, menu->symbol, this);
     if (picker.exec() == QDialog::Accepted)
         m_services.store.setSymbol(menu->id, picker.symbol());
-}
-
-void MenusPane::addFiles()
-{
-    const QList<QUrl> urls = QFileDialog::getOpenFileUrls(this, m_strings.text(SystemString::FilesAndFolders),
-                                                          QUrl::fromLocalFile(QDir::homePath()));
-    for (const QUrl &url : urls)
-        m_services.store.setIncluded(true, url, m_current);
-}
-
-void MenusPane::addFolder()
-{
-    const QUrl url = QFileDialog::getExistingDirectoryUrl(this, m_strings.text(SystemString::AddFolder),
-                                                          QUrl::fromLocalFile(QDir::homePath()));
-    if (!url.isLocalFile())
-        return;
-    // The trailing slash is how a stored URL says it is a folder.
-    QString path = url.toLocalFile();
-    if (!path.endsWith(QLatin1Char('/')))
-        path.append(QLatin1Char('/'));
-    m_services.store.setIncluded(true, QUrl::fromLocalFile(path), m_current);
-}
-
-void MenusPane::chooseSettings()
-{
-    auto *model = new PaneTreeModel(m_services.sources);
-    model->setMenu(m_current);
-    auto *chooser = new ItemChooser(m_strings.text(SystemString::SystemSettings), model, m_strings, -1, this);
-    model->setParent(chooser);
-    chooser->setAttribute(Qt::WA_DeleteOnClose);
-    chooser->open();
-}
-
-void MenusPane::chooseApplications()
-{
-    const auto &context = m_services.sources.context();
-    auto *model = new CheckableUrlsModel(context.store);
-    model->setMenu(m_current);
-    // Reading every desktop entry can take a moment on a full system: the
-    // window stays responsive and the list fills when it is done.
-    QThreadPool::globalInstance()->start([scan = context.scanApps, model = QPointer(model)] {
-        const QList<AppEntry> apps = scan();
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [model, apps] {
-                if (model)
-                    model->setEntries(appEntries(apps));
-            },
-            Qt::QueuedConnection);
-    });
-    auto *chooser = new ItemChooser(m_services.sources.title(MenuSource::applications()), model, m_strings,
-                                    CheckableUrlsModel::FoldedTitleRole, this);
-    model->setParent(chooser);
-    chooser->setAttribute(Qt::WA_DeleteOnClose);
-    chooser->open();
-}
-
-void MenusPane::chooseShortcuts()
-{
-    const auto &context = m_services.sources.context();
-    const ShortcutLibrary &library = context.shortcuts;
-    auto *model = new CheckableUrlsModel(context.store);
-    model->setEntries(shortcutEntries(library));
-    connect(&library, &ShortcutLibrary::snapshotChanged, model,
-            [model, &library] { model->setEntries(shortcutEntries(library)); });
-    model->setMenu(m_current);
-    auto *chooser = new ItemChooser(m_services.sources.title(MenuSource::shortcuts()), model, m_strings, -1, this);
-    model->setParent(chooser);
-    chooser->setAttribute(Qt::WA_DeleteOnClose);
-    chooser->open();
 }
 
 void MenusPane::removeItems()

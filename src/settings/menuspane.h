@@ -5,6 +5,7 @@
 #include <QUuid>
 #include <QWidget>
 
+class AddItemButtons;
 class CustomMenusModel;
 class MenuItemsModel;
 class QComboBox;
@@ -34,18 +35,12 @@ public:
 private:
     QWidget *makeList();
     QWidget *makeEditor();
-    QWidget *makeItemButtons();
     void showCurrent();
     void commitName();
     void addMenu();
     void deleteMenu();
     void duplicateMenu();
     void chooseSymbol();
-    void addFiles();
-    void addFolder();
-    void chooseSettings();
-    void chooseApplications();
-    void chooseShortcuts();
     void removeItems();
     // Moves the chosen group, or settings place, one place up or down.
     void moveItem(int step);
@@ -66,4 +61,5 @@ private:
     QStackedWidget *m_itemsStack = nullptr;
     QTreeView *m_items = nullptr;
     QToolButton *m_remove = nullptr;
+    AddItemButtons *m_addItems = nullptr;
 };
