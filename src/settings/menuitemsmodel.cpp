@@ -35,6 +35,8 @@ MenuItemsModel::MenuItemsModel(const ContentSources &sources, QObject *parent)
 {
     connect(&sources.context().store, &MenuStore::menusChanged, this, &MenuItemsModel::reload);
     connect(&sources.context().shortcuts, &ShortcutLibrary::snapshotChanged, this, &MenuItemsModel::reload);
+    // The first answer may list nothing new, yet tells which shortcuts are gone.
+    connect(&sources.context().shortcuts, &ShortcutLibrary::hasLoadedChanged, this, &MenuItemsModel::reload);
 }
 
 void MenuItemsModel::setMenu(const QUuid &id)

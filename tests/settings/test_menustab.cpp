@@ -4,6 +4,7 @@
 #include "fixtures.h"
 #include "hotkeys/fakebackend.h"
 #include "hotkeys/hotkeycenter.h"
+#include "platform/itemicons.h"
 #include "settings/checkableurlsmodel.h"
 #include "settings/custommenusmodel.h"
 #include "settings/menuitemsmodel.h"
@@ -17,14 +18,17 @@
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 
 namespace {
@@ -157,6 +161,37 @@ private Q_SLOTS:
         QCOMPARE(titles(model), (QStringList{"System Settings", "Applications"}));
     }
 
+    // A shortcut is only known to be gone once the shortcuts tool has
+    // answered; the items follow its answer.
+    void shortcutsAreFlaggedOnceTheLibraryAnswers()
+    {
+        const QString backup = QStringLiteral("AAAAAAAA-AAAA-4AAA-8AAA-AAAAAAAAAAAA");
+        const QString gone = QStringLiteral("BBBBBBBB-BBBB-4BBB-8BBB-BBBBBBBBBBBB");
+        const QString tool = path(QStringLiteral("quillon-shortcuts"));
+        QFile script(tool);
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write(
+            QStringLiteral("#!/bin/sh\ncase \"$*\" in *none) printf 'Backup (%1)\\n';; esac\n").arg(backup).toUtf8());
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        ShortcutLibrary library(tool);
+        const ContentSources &sources = m_catalog.sources(*m_store, library);
+        const QUuid id = m_store->addMenu(QStringLiteral("Scripts")).id;
+        m_store->setIncluded(true, shortcutURL(backup), id);
+        m_store->setIncluded(true, shortcutURL(gone), id);
+        MenuItemsModel model(sources);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setMenu(id);
+        const QModelIndex shortcuts = model.index(0, 0);
+        QVERIFY(!model.index(1, 0, shortcuts).data(MenuItemsModel::UnavailableRole).toBool());
+
+        library.refresh();
+        QTRY_VERIFY(library.hasLoaded());
+        QCOMPARE(titles(model, shortcuts), (QStringList{QStringLiteral("Backup"), gone}));
+        QVERIFY(!model.index(0, 0, shortcuts).data(MenuItemsModel::UnavailableRole).toBool());
+        QVERIFY(model.index(1, 0, shortcuts).data(MenuItemsModel::UnavailableRole).toBool());
+    }
+
     // Drags carry rows within one menu: groups among groups, settings places
     // among themselves; anything else is refused.
     void dragsMoveGroupsAndSettingsPlaces()
@@ -233,6 +268,19 @@ private Q_SLOTS:
         QVERIFY(!changed.isEmpty());
         QCOMPARE(wifiRow.data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
         QCOMPARE(networkRow.data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
+    }
+
+    // A catalog that lists a pane inside itself still makes a finite tree.
+    void paneTreeSurvivesACyclicCatalog()
+    {
+        m_catalog.set({{QStringLiteral("a")}},
+                      {testPane(QStringLiteral("a"), QStringLiteral("A"), {}, QList<QList<QString>>{{"b"}}),
+                       testPane(QStringLiteral("b"), QStringLiteral("B"), {}, QList<QList<QString>>{{"a", "c"}}),
+                       testPane(QStringLiteral("c"), QStringLiteral("C"))});
+        PaneTreeModel model(m_catalog.sources(*m_store, *m_shortcuts));
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const QModelIndex b = model.index(0, 0, model.index(0, 0));
+        QCOMPARE(titles(model, b), QStringList{"C"});
     }
 
     void headingsCheckAllTheyHoldAndSearchFindsInside()
@@ -363,6 +411,40 @@ private Q_SLOTS:
         QVERIFY(m_store->menus().isEmpty());
         QVERIFY(MenuStore(*m_preferences).menus().isEmpty());
         QVERIFY(noSelection->isVisible());
+    }
+
+    // The symbol and colour shown are drawn exactly as the menu draws them,
+    // and follow the store.
+    void paneShowsTheMenusOwnSymbolAndColour()
+    {
+        const QUuid id = m_store->addMenu(QStringLiteral("Tinted")).id;
+        NoUpdates updates;
+        FakeBackend backend;
+        HotKeyCenters hotKeys(*m_preferences, backend);
+        MenusPane pane(SettingsServices{*m_preferences, *m_store, updates, *m_sources, hotKeys});
+        pane.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&pane));
+        auto *color = pane.findChild<QComboBox *>();
+        QToolButton *preview = nullptr;
+        for (QToolButton *button : pane.findChildren<QToolButton *>()) {
+            if (button->accessibleName() == QStringLiteral("Icon"))
+                preview = button;
+        }
+        QVERIFY(preview);
+        QCOMPARE(color->currentText(), QStringLiteral("None"));
+
+        color->setFocus();
+        QTest::keyClick(color, Qt::Key_Down);
+        QCOMPARE(color->currentText(), QStringLiteral("Blue"));
+        QCOMPARE(saved(id).color, std::optional(FolderColor::Blue));
+        m_store->setColor(id, FolderColor::Graphite);
+        m_store->setSymbol(id, QStringLiteral("user-home-symbolic"));
+        QCOMPARE(color->currentText(), QStringLiteral("Graphite"));
+        const QIcon drawn =
+            drawnIcon(ItemIcon{MenuSymbolIcon{QStringLiteral("user-home-symbolic"), FolderColor::Graphite}});
+        QCOMPARE(preview->icon().cacheKey(), drawn.cacheKey());
+        auto *list = pane.findChild<QListView *>();
+        QCOMPARE(list->model()->index(0, 0).data(Qt::DecorationRole).value<QIcon>().cacheKey(), drawn.cacheKey());
     }
 
     // Drags have keyboard equivalents: Alt+Up and Alt+Down move the chosen
