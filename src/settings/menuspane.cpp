@@ -11,12 +11,13 @@
 #include "sources/contentsources.h"
 
 #include <QAction>
-#include <QComboBox>
+#include <QActionGroup>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSplitter>
@@ -129,21 +130,28 @@ QWidget *MenusPane::makeEditor()
     m_symbol->setIconSize(QSize(32, 32));
     m_symbol->setToolButtonStyle(Qt::ToolButtonIconOnly);
     connect(m_symbol, &QToolButton::clicked, this, &MenusPane::chooseSymbol);
-    form->addRow(iconTitle, m_symbol);
 
-    const QString colorTitle = tr("Color");
-    m_color = new QComboBox(editor);
-    m_color->setAccessibleName(colorTitle);
-    m_color->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    m_color->addItem(m_strings.text(SystemString::None));
+    // The colour is picked from a menu of the eight tints and "None", each
+    // drawn with the menu's symbol.
+    m_color = labelledButton(tr("Color"), editor);
+    m_color->setPopupMode(QToolButton::InstantPopup);
+    auto *colors = new QMenu(m_color);
+    auto *exclusive = new QActionGroup(colors);
+    const auto addColor = [this, colors, exclusive](const QString &title, std::optional<FolderColor> color) {
+        QAction *action = colors->addAction(title);
+        action->setCheckable(true);
+        action->setActionGroup(exclusive);
+        connect(action, &QAction::triggered, this, [this, color] { m_services.store.setColor(m_current, color); });
+    };
+    addColor(m_strings.text(SystemString::None), std::nullopt);
     for (const auto color : allCases<FolderColor>())
-        m_color->addItem(colorName(m_strings, color), int(color));
-    connect(m_color, &QComboBox::activated, this, [this](int row) {
-        const QVariant color = m_color->itemData(row);
-        m_services.store.setColor(m_current,
-                                  color.isValid() ? std::optional(FolderColor(color.toInt())) : std::nullopt);
-    });
-    form->addRow(colorTitle, m_color);
+        addColor(colorName(m_strings, color), color);
+    m_color->setMenu(colors);
+    auto *iconRow = new QHBoxLayout;
+    iconRow->addWidget(m_symbol);
+    iconRow->addWidget(m_color);
+    iconRow->addStretch();
+    form->addRow(iconTitle, iconRow);
 
     const QString itemsTitle = tr("Items");
     auto *itemsLabel = new QLabel(itemsTitle, editor);
@@ -221,10 +229,13 @@ void MenusPane::showCurrent()
     const QIcon preview = drawnIcon(ItemIcon{MenuSymbolIcon{menu->symbol, menu->color}});
     m_symbol->setIcon(preview);
     m_symbol->setToolTip(menu->symbol.value_or(m_strings.text(SystemString::None)));
-    m_color->setCurrentIndex(menu->color ? int(*menu->color) + 1 : 0);
-    for (int row = 1; row < m_color->count(); ++row)
-        m_color->setItemIcon(row, drawnIcon(ItemIcon{MenuSymbolIcon{menu->symbol, FolderColor(row - 1)}}));
-    m_color->setItemIcon(0, drawnIcon(ItemIcon{MenuSymbolIcon{menu->symbol, std::nullopt}}));
+    const QList<QAction *> colors = m_color->menu()->actions();
+    for (int row = 0; row < colors.size(); ++row) {
+        const std::optional<FolderColor> color =
+            row == 0 ? std::nullopt : std::optional(allCases<FolderColor>().at(row - 1));
+        colors.at(row)->setChecked(color == menu->color);
+        colors.at(row)->setIcon(drawnIcon(ItemIcon{MenuSymbolIcon{menu->symbol, color}}));
+    }
 }
 
 void MenusPane::commitName()

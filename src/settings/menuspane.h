@@ -8,7 +8,6 @@
 class AddItemButtons;
 class CustomMenusModel;
 class MenuItemsModel;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListView;
@@ -57,7 +56,7 @@ private:
     QStackedWidget *m_detail = nullptr;
     QLineEdit *m_name = nullptr;
     QToolButton *m_symbol = nullptr;
-    QComboBox *m_color = nullptr;
+    QToolButton *m_color = nullptr;
     QStackedWidget *m_itemsStack = nullptr;
     QTreeView *m_items = nullptr;
     QToolButton *m_remove = nullptr;

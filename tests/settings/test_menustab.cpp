@@ -18,10 +18,10 @@
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
 #include <QApplication>
-#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -424,22 +424,29 @@ private Q_SLOTS:
         MenusPane pane(SettingsServices{*m_preferences, *m_store, updates, *m_sources, hotKeys});
         pane.show();
         QVERIFY(QTest::qWaitForWindowExposed(&pane));
-        auto *color = pane.findChild<QComboBox *>();
         QToolButton *preview = nullptr;
+        QToolButton *color = nullptr;
         for (QToolButton *button : pane.findChildren<QToolButton *>()) {
             if (button->accessibleName() == QStringLiteral("Icon"))
                 preview = button;
+            if (button->accessibleName() == QStringLiteral("Color"))
+                color = button;
         }
-        QVERIFY(preview);
-        QCOMPARE(color->currentText(), QStringLiteral("None"));
+        QVERIFY(preview && color);
+        const auto checkedColor = [color] {
+            for (QAction *action : color->menu()->actions()) {
+                if (action->isChecked())
+                    return action->text();
+            }
+            return QString();
+        };
+        QCOMPARE(checkedColor(), QStringLiteral("None"));
 
-        color->setFocus();
-        QTest::keyClick(color, Qt::Key_Down);
-        QCOMPARE(color->currentText(), QStringLiteral("Blue"));
+        color->menu()->actions().at(1)->trigger();
         QCOMPARE(saved(id).color, std::optional(FolderColor::Blue));
         m_store->setColor(id, FolderColor::Graphite);
         m_store->setSymbol(id, QStringLiteral("user-home-symbolic"));
-        QCOMPARE(color->currentText(), QStringLiteral("Graphite"));
+        QCOMPARE(checkedColor(), QStringLiteral("Graphite"));
         const QIcon drawn =
             drawnIcon(ItemIcon{MenuSymbolIcon{QStringLiteral("user-home-symbolic"), FolderColor::Graphite}});
         QCOMPARE(preview->icon().cacheKey(), drawn.cacheKey());
