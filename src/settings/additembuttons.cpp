@@ -19,6 +19,7 @@
 #include <QPointer>
 #include <QThreadPool>
 #include <QToolButton>
+#include <QTreeView>
 
 namespace {
 
@@ -109,6 +110,13 @@ void AddItemButtons::chooseSettings()
     model->setMenu(m_menu);
     auto *chooser = new ItemChooser(m_strings.text(SystemString::SystemSettings), model, m_strings, -1, this);
     model->setParent(chooser);
+    // What the menu already holds is in sight.
+    if (const auto menu = m_sources.context().store.menu(m_menu)) {
+        for (const QUrl &url : menu->urls) {
+            for (QModelIndex above = model->indexOf(url).parent(); above.isValid(); above = above.parent())
+                chooser->view()->expand(above);
+        }
+    }
     chooser->setAttribute(Qt::WA_DeleteOnClose);
     chooser->open();
 }
