@@ -12,12 +12,15 @@
 #include "settings/panetreemodel.h"
 #include "settings/searchfiltermodel.h"
 #include "settings/symboliconsmodel.h"
+#include "settings/symbolpicker.h"
 #include "settings/updatesettings.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -321,6 +324,47 @@ private Q_SLOTS:
         QCOMPARE(titles(filter, filter.index(0, 0)), QStringList{"Éditeur"});
         filter.setQuery({});
         QCOMPARE(filter.rowCount(), 2);
+    }
+
+    // The picker offers the symbolic icons of the theme and of the themes it
+    // inherits, each once; typing narrows the grid and Enter takes the first.
+    void symbolPickerSearchesTheThemeChain()
+    {
+        const auto icon = [this](const QString &relative) {
+            QDir().mkpath(QFileInfo(path(relative)).path());
+            QFile file(path(relative));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("<svg xmlns='http://www.w3.org/2000/svg' width='16' height='16'/>");
+        };
+        const auto theme = [this](const QString &name, const QString &inherits) {
+            QDir().mkpath(path(QStringLiteral("icons/") + name));
+            QFile index(path(QStringLiteral("icons/%1/index.theme").arg(name)));
+            QVERIFY(index.open(QIODevice::WriteOnly));
+            index.write(QStringLiteral("[Icon Theme]\nName=%1\nInherits=%2\nDirectories=symbolic\n\n"
+                                       "[symbolic]\nSize=16\nType=Scalable\n")
+                            .arg(name, inherits)
+                            .toUtf8());
+        };
+        theme(QStringLiteral("Mine"), QStringLiteral("Base"));
+        theme(QStringLiteral("Base"), QString());
+        icon(QStringLiteral("icons/Mine/symbolic/starred-symbolic.svg"));
+        icon(QStringLiteral("icons/Base/symbolic/starred-symbolic.svg"));
+        icon(QStringLiteral("icons/Base/symbolic/user-home-symbolic.svg"));
+        icon(QStringLiteral("icons/Base/symbolic/user-home.svg"));
+        icon(QStringLiteral("icons/Other/symbolic/weather-storm-symbolic.svg"));
+        const QStringList searchPaths = QIcon::themeSearchPaths();
+        const QString themeName = QIcon::themeName();
+        QIcon::setThemeSearchPaths({path(QStringLiteral("icons"))});
+        QIcon::setThemeName(QStringLiteral("Mine"));
+        const QStringList symbols = SymbolicIconsModel::themeSymbols();
+        SymbolPicker picker(*m_catalog.strings, std::nullopt);
+        QTest::keyClicks(picker.findChild<QLineEdit *>(), QStringLiteral("home"));
+        QTest::keyClick(picker.findChild<QLineEdit *>(), Qt::Key_Return);
+        QIcon::setThemeSearchPaths(searchPaths);
+        QIcon::setThemeName(themeName);
+        QCOMPARE(symbols, (QStringList{"starred-symbolic", "user-home-symbolic"}));
+        QCOMPARE(picker.result(), int(QDialog::Accepted));
+        QCOMPARE(picker.symbol(), std::optional<QString>(QStringLiteral("user-home-symbolic")));
     }
 
     void symbolsListNamesAndFindTheCurrentOne()
