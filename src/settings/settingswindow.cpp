@@ -7,6 +7,7 @@
 #include "settings/applicationspane.h"
 #include "settings/contentpane.h"
 #include "settings/generalpane.h"
+#include "settings/menuspane.h"
 #include "sources/contentsources.h"
 
 #include <QFormLayout>
@@ -24,6 +25,7 @@ SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
     , m_tabs(new QTabWidget(this))
     , m_general(new GeneralPane(services.preferences, services.store, services.updates,
                                 services.sources.context().strings, m_tabs))
+    , m_menus(new MenusPane(services, m_tabs))
     , m_content(new ContentPane(services, m_tabs))
     , m_applications(new ApplicationsPane(services, m_tabs))
 {
@@ -45,7 +47,7 @@ SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
     m_general->form()->addRow(strings.text(SystemString::Menu), m_menuHotKey);
 
     m_tabs->addTab(m_general, strings.text(SystemString::General));
-    m_tabs->addTab(new QWidget(m_tabs), strings.text(SystemString::Menus));
+    m_tabs->addTab(m_menus, strings.text(SystemString::Menus));
     m_tabs->addTab(m_content, strings.text(SystemString::Content));
     m_tabs->addTab(m_applications, services.sources.title(MenuSource::applications()));
     auto *layout = new QVBoxLayout(this);

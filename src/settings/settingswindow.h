@@ -8,6 +8,7 @@ class ApplicationsPane;
 class ContentPane;
 class GeneralPane;
 class HotKeyRecorder;
+class MenusPane;
 class QTabWidget;
 
 // The settings window: general options, the user's menus, the content and
@@ -23,6 +24,7 @@ public:
 
     QTabWidget *tabs() const { return m_tabs; }
     GeneralPane *general() const { return m_general; }
+    MenusPane *menus() const { return m_menus; }
     ContentPane *content() const { return m_content; }
     ApplicationsPane *applications() const { return m_applications; }
     HotKeyRecorder *searchHotKey() const { return m_searchHotKey; }
@@ -37,6 +39,7 @@ private:
     SettingsServices m_services;
     QTabWidget *m_tabs;
     GeneralPane *m_general;
+    MenusPane *m_menus;
     ContentPane *m_content;
     ApplicationsPane *m_applications;
     HotKeyRecorder *m_searchHotKey = nullptr;
