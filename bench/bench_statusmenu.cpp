@@ -1,17 +1,26 @@
-// Opening the menu and typing into its search, over a sizeable setup: the
-// default layout plus 3 custom menus, 4 folders and 20 shortcuts; 2,000
-// applications, the GNOME catalog, 500 shortcuts and 4 folders of 200 files.
+// Opening the menu, typing into its search and opening the settings tabs,
+// over a sizeable setup: the default layout plus 3 custom menus, 4 folders
+// and 20 shortcuts; 2,000 applications, the GNOME catalog, 500 shortcuts and
+// 4 folders of 200 files.
 #include "app/appservices.h"
 #include "app/statusmenu.h"
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"
 #include "config/urls.h"
+#include "hotkeys/hotkeycenter.h"
 #include "platform/fileicons.h"
+#include "settings/applicationspane.h"
+#include "settings/contentpane.h"
+#include "settings/favoriteappsmodel.h"
+#include "settings/layoutmodel.h"
+#include "settings/menuspane.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLineEdit>
+#include <QListView>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -136,6 +145,57 @@ void searchKeystroke(benchmark::State &state)
         benchmark::DoNotOptimize(session.search(queries.at(i++ % queries.size()), 12));
 }
 BENCHMARK(searchKeystroke)->Unit(benchmark::kMillisecond);
+
+SettingsServices settingsServices(Setup &setup)
+{
+    return setup.services.settingsServices(HotKeyCenters::shared());
+}
+
+void openContentTab(benchmark::State &state)
+{
+    Setup setup;
+    for (auto _ : state) {
+        ContentPane pane(settingsServices(setup));
+        benchmark::DoNotOptimize(pane.model()->rowCount());
+    }
+}
+BENCHMARK(openContentTab)->Unit(benchmark::kMillisecond);
+
+void openMenusTab(benchmark::State &state)
+{
+    Setup setup;
+    for (auto _ : state) {
+        MenusPane pane(settingsServices(setup));
+        benchmark::DoNotOptimize(&pane);
+    }
+}
+BENCHMARK(openMenusTab)->Unit(benchmark::kMillisecond);
+
+void openApplicationsTab(benchmark::State &state)
+{
+    Setup setup;
+    for (auto _ : state) {
+        ApplicationsPane pane(settingsServices(setup));
+        pane.model()->load();
+        benchmark::DoNotOptimize(pane.model()->rowCount());
+    }
+}
+BENCHMARK(openApplicationsTab)->Unit(benchmark::kMillisecond);
+
+void filterApplications(benchmark::State &state)
+{
+    Setup setup;
+    ApplicationsPane pane(settingsServices(setup));
+    pane.model()->load();
+    const QStringList queries{QStringLiteral("a"), QStringLiteral("ap"), QStringLiteral("app 1"),
+                              QStringLiteral("application 19"), QString()};
+    qsizetype i = 0;
+    for (auto _ : state) {
+        pane.filter()->setText(queries.at(i++ % queries.size()));
+        benchmark::DoNotOptimize(pane.view()->model()->rowCount());
+    }
+}
+BENCHMARK(filterApplications)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

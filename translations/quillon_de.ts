@@ -546,6 +546,24 @@
     </message>
 </context>
 <context>
+    <name>MenusPane</name>
+    <message>
+        <source>Color</source>
+        <translation>Farbe</translation>
+    </message>
+    <message>
+        <source>Items</source>
+        <translation>Objekte</translation>
+    </message>
+</context>
+<context>
+    <name>AddItemButtons</name>
+    <message>
+        <source>Add Files</source>
+        <translation>Dateien hinzufügen</translation>
+    </message>
+</context>
+<context>
     <name>LoginItem</name>
     <message>
         <source>%1 cannot be written, so Quillon cannot start at login.</source>

@@ -98,6 +98,14 @@ def select_only(view, name):
     act(wanted, "Toggle")
 
 
+def click(node):
+    """A click in the middle of a control, where the accessibility tree says it is."""
+    x, y, width, height = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    subprocess.run(["xdotool", "mousemove", "--sync", str(x + width // 2), str(y + height // 2), "click", "1"],
+                   check=True)
+    time.sleep(0.4)
+
+
 def keys(*names):
     """Keys pressed on the keyboard, into whatever has the focus."""
     subprocess.run(["xdotool", "key", "--delay", "80", *names], check=True)

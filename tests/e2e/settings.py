@@ -12,7 +12,7 @@ import time
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
-from atspi import act, application, choose, find, find_all, keys, labelled, open_tab, select_only, set_text  # noqa: E402
+from atspi import act, application, choose, click, find, find_all, keys, labelled, open_tab, select_only, set_text  # noqa: E402
 
 quillon, artifacts = sys.argv[1], sys.argv[2]
 home = os.environ["HOME"]
@@ -116,5 +116,44 @@ until(lambda: printed("--print-menu", "--depth", "2").count("Quillon Marker Prob
       and "Vim" not in printed("--print-menu", "--depth", "2"), "the menu does not show only the favourite")
 shot("settings-applications")
 step("Applications: a favourite, favourites only")
+
+# Menus: add one and name it, duplicate it, delete the copy.
+open_tab(window, "Menus")
+act(find(window, "push button", "Add"), "Press")
+keys("ctrl+a", "W", "o", "r", "k", "Return")
+menu_names = lambda: [line for line in printed("--print-menu", "--depth", "1").splitlines() if "▸" in line]  # noqa: E731
+until(lambda: any(line.startswith("Work  ▸") for line in menu_names()), f"no menu named Work: {menu_names()}")
+step("Menus: a new menu, renamed")
+act(find(window, "push button", "Duplicate"), "Press")
+until(lambda: any(line.startswith("Work copy  ▸") for line in menu_names()), "Duplicate made no copy")
+step("Menus: duplicated")
+# The confirmation is modal: press Delete from the keyboard, then confirm.
+act(find(window, "push button", "Delete"), "SetFocus")
+keys("space")
+act(find(find(app, "alert"), "push button", "Delete"), "Press")
+until(lambda: not any(line.startswith("Work copy") for line in menu_names()), "the copy was not deleted")
+step("Menus: the copy deleted")
+
+# Menus: Work gets a settings place and an application, from the choosers.
+select_only(find(window, "list", "Menus"), "Work")
+act(find(window, "push button", "System Settings"), "Press")
+chooser = find(app, "dialog", "System Settings")
+click(find(find(chooser, "tree", "System Settings"), "table cell", "Wi-Fi"))
+keys("space")
+act(find(chooser, "push button", "Close"), "Press")
+act(find(window, "push button", "Applications"), "Press")
+chooser = find(app, "dialog", "Applications")
+set_text(find(chooser, "text", "Search"), "marker")
+time.sleep(0.5)  # the filter settles
+# Point at the application (that also gives the list the keyboard), tick it.
+click(find(find(chooser, "tree", "Applications"), "table cell", "Quillon Marker Probe"))
+keys("space")
+shot("settings-menus-chooser")
+act(find(chooser, "push button", "Close"), "Press")
+work = lambda: printed("--print-menu", "--depth", "2").split("Work  ▸", 1)[-1].split("▸", 1)[0]  # noqa: E731
+until(lambda: "Quillon Marker Probe" in work() and "Vim" not in work() and "settings://gnome/wifi" in work(),
+      f"Work does not hold the chosen place and application: {work()}")
+shot("settings-menus")
+step("Menus: a settings place and an application included")
 
 print(f"{passed} passed, 0 failed")
