@@ -51,6 +51,7 @@ public:
             if (kind == MenuItemKind::Settings) {
                 entries.append(settingsEntries(
                     m_context, CustomMenuNode::tree(urls, m_context.catalog, m_context.destinations), {}));
+                appendUnknownPlaces(entries, urls);
                 continue;
             }
             for (const auto &url : urls)
@@ -70,6 +71,17 @@ public:
     }
 
 private:
+    // Places this desktop's settings program does not have (renamed or
+    // removed since the user picked them) stay listed, unavailable, as a
+    // missing file does; the store keeps them.
+    void appendUnknownPlaces(MenuEntries &entries, const QList<QUrl> &urls) const
+    {
+        for (const auto &url : urls) {
+            if (!m_context.destinations.contains(url))
+                entries.append(OpenableEntry{folderTitle(url), url, unavailableIcon(), false});
+        }
+    }
+
     void appendItem(MenuEntries &entries, MenuItemKind kind, const QUrl &url) const
     {
         const QString path = normalizedURL(url).toLocalFile();

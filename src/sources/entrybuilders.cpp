@@ -15,6 +15,11 @@ ItemIcon folderIcon()
     return ThemeIcon{{QStringLiteral("folder")}};
 }
 
+ItemIcon unavailableIcon()
+{
+    return ThemeIcon{{QStringLiteral("dialog-warning"), QStringLiteral("emblem-important")}};
+}
+
 MenuEntries folderEntries(const SourceContext &context, const QUrl &folder, FolderSort sort)
 {
     MenuEntries entries;

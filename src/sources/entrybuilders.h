@@ -20,3 +20,5 @@ MenuEntries settingsEntries(const SourceContext &context, const QList<CustomMenu
                             const QList<Item> &parentItems);
 // A folder's icon, as the menu shows folders.
 ItemIcon folderIcon();
+// The warning symbol of an item that is no longer there.
+ItemIcon unavailableIcon();

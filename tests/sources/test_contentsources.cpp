@@ -111,6 +111,8 @@ private Q_SLOTS:
         m_store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/display")), menu.id);
         m_store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("notes.txt"))), menu.id);
         m_store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("deleted.txt"))), menu.id);
+        // A place an older settings program had, which this catalog does not.
+        m_store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/screen")), menu.id);
         const MenuSource source = MenuSource::customMenu(menu.id);
         const ContentSources &all = sources();
 
@@ -119,7 +121,8 @@ private Q_SLOTS:
         // Each group is set apart, the first too: a menu spread inline keeps
         // it apart from what stands before it, and a submenu drops it.
         QCOMPARE(describe(all.items(source)),
-                 (QStringList{"---", "notes.txt", "deleted.txt (disabled)", "---", "Displays"}));
+                 (QStringList{"---", "notes.txt", "deleted.txt (disabled)", "---", "Displays", "screen (disabled)"}));
+        QVERIFY(m_store->contains(QUrl(QStringLiteral("settings://gnome/screen")), menu.id));
     }
 
     // A catalog group that opens nothing itself is a heading: a submenu
