@@ -20,8 +20,6 @@ public:
 
     MenuBuilder(const ContentSources &sources, Open open);
 
-    const ContentSources &sources() const { return m_sources; }
-
     // One item for the whole source: a submenu, or a single shortcut itself.
     QAction *addSourceItem(QMenu *menu, const MenuSource &source);
     // The source's items straight into `menu`.
