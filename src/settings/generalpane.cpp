@@ -93,10 +93,7 @@ void GeneralPane::addUpdateRows(UpdateSettings &updates, SystemStrings &strings)
 
 void GeneralPane::addRecentsRows(MenuStore &store, SystemStrings &strings)
 {
-    const QString recentsTitle = strings.text(SystemString::Recents);
-    auto *heading = new QLabel(QStringLiteral("<b>%1</b>").arg(recentsTitle.toHtmlEscaped()), this);
-    heading->setAccessibleName(recentsTitle);
-    m_form->addRow(heading);
+    addHeading(strings.text(SystemString::Recents));
 
     auto *limit = new QSpinBox(this);
     limit->setRange(0, MenuStore::maximumRecents);
@@ -118,4 +115,11 @@ void GeneralPane::addRecentsRows(MenuStore &store, SystemStrings &strings)
     row->addWidget(clear);
     row->addStretch();
     m_form->addRow(row);
+}
+
+void GeneralPane::addHeading(const QString &text)
+{
+    auto *heading = new QLabel(QStringLiteral("<b>%1</b>").arg(text.toHtmlEscaped()), this);
+    heading->setAccessibleName(text);
+    m_form->addRow(heading);
 }

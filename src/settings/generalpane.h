@@ -21,6 +21,8 @@ public:
 
     // More rows (the keyboard shortcuts) go here.
     QFormLayout *form() const { return m_form; }
+    // A bold line over the rows that follow.
+    void addHeading(const QString &text);
 
 private:
     void addLoginRow(SystemStrings &strings);

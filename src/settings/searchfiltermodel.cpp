@@ -27,3 +27,13 @@ bool SearchFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex &sourc
         m_foldedRole >= 0 ? index.data(m_foldedRole).toString() : foldForSearch(index.data(Qt::DisplayRole).toString());
     return folded.contains(m_folded);
 }
+
+bool SearchFilterModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::CheckStateRole || m_folded.isEmpty() || !hasChildren(index))
+        return QSortFilterProxyModel::setData(index, value, role);
+    bool changed = false;
+    for (int row = 0; row < rowCount(index); ++row)
+        changed = setData(this->index(row, 0, index), value, role) || changed;
+    return changed;
+}

@@ -14,6 +14,9 @@ public:
     explicit SearchFilterModel(int foldedRole = -1, QObject *parent = nullptr);
 
     void setQuery(const QString &query);
+    // While a query filters, a heading's check box stands for the rows that
+    // show under it, not for those the query hides.
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;

@@ -43,6 +43,7 @@ SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
         new HotKeyRecorder(hotKeys.menu(), hotKeys.others(hotKeys.menu()), QStringLiteral("quillon --menu"), m_general);
     m_searchHotKey->setAccessibleName(strings.text(SystemString::Search));
     m_menuHotKey->setAccessibleName(strings.text(SystemString::Menu));
+    m_general->addHeading(strings.text(SystemString::KeyboardShortcut));
     m_general->form()->addRow(strings.text(SystemString::Search), m_searchHotKey);
     m_general->form()->addRow(strings.text(SystemString::Menu), m_menuHotKey);
 

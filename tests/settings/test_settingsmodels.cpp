@@ -1,8 +1,10 @@
 #include "config/menustore.h"
 #include "config/preferences.h"
 #include "fixtures.h"
+#include "settings/checkableurlsmodel.h"
 #include "settings/favoriteappsmodel.h"
 #include "settings/layoutmodel.h"
+#include "settings/searchfiltermodel.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QAbstractItemModelTester>
@@ -117,6 +119,32 @@ private Q_SLOTS:
         m_store->setFavorite(true, atlas.url);
         QCOMPARE(changed.size(), 1);
         QCOMPARE(model.index(0).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Checked);
+    }
+
+    // Ticking a category while the chooser is filtered takes only what shows.
+    void aFilteredHeadingTicksWhatShows()
+    {
+        const QUrl marker(QStringLiteral("file:///apps/marker.desktop"));
+        const QUrl vim(QStringLiteral("file:///apps/vim.desktop"));
+        const CustomMenu menu = m_store->addMenu(QStringLiteral("Work"));
+        CheckableUrlsModel apps(*m_store);
+        apps.setMenu(menu.id);
+        apps.setEntries({{QStringLiteral("Accessories"),
+                          {},
+                          {},
+                          {{QStringLiteral("Marker Probe"), marker, {}, {}}, {QStringLiteral("Vim"), vim, {}, {}}}}});
+        SearchFilterModel filtered;
+        filtered.setSourceModel(&apps);
+        QAbstractItemModelTester tester(&filtered, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        filtered.setQuery(QStringLiteral("marker"));
+        const QModelIndex heading = filtered.index(0, 0);
+        QCOMPARE(filtered.rowCount(heading), 1);
+        QVERIFY(filtered.setData(heading, Qt::Checked, Qt::CheckStateRole));
+        QCOMPARE(m_store->menu(menu.id)->urls, QList<QUrl>{marker});
+        // Unfiltered, the heading stands for all it holds again.
+        filtered.setQuery({});
+        QVERIFY(filtered.setData(filtered.index(0, 0), Qt::Checked, Qt::CheckStateRole));
+        QCOMPARE(m_store->menu(menu.id)->urls, (QList<QUrl>{marker, vim}));
     }
 };
 
