@@ -33,11 +33,13 @@ LayoutModel::LayoutModel(MenuStore &store, const ContentSources &sources, QObjec
     : QAbstractTableModel(parent)
     , m_store(store)
     , m_sources(sources)
+    , m_layout(store.layout())
 {
     // Titles and icons change with the menus and folders they name.
     for (const auto signal : {&MenuStore::layoutChanged, &MenuStore::menusChanged, &MenuStore::foldersChanged}) {
         connect(&store, signal, this, [this] {
             beginResetModel();
+            m_layout = m_store.layout();
             endResetModel();
         });
     }
@@ -45,7 +47,7 @@ LayoutModel::LayoutModel(MenuStore &store, const ContentSources &sources, QObjec
 
 int LayoutModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_store.layout().size());
+    return parent.isValid() ? 0 : int(m_layout.size());
 }
 
 int LayoutModel::columnCount(const QModelIndex &parent) const
@@ -55,7 +57,7 @@ int LayoutModel::columnCount(const QModelIndex &parent) const
 
 MenuSource LayoutModel::source(int row) const
 {
-    return m_store.layout().at(row).source;
+    return m_layout.at(row).source;
 }
 
 QString LayoutModel::styleName(SourceStyle style) const
@@ -76,7 +78,7 @@ QVariant LayoutModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    const LayoutEntry &entry = m_store.layout().at(index.row());
+    const LayoutEntry &entry = m_layout.at(index.row());
     const MenuSource &source = entry.source;
     const bool separator = source.kind() == MenuSource::Case::Separator;
     const bool available = m_sources.isAvailable(source);

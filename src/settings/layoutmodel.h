@@ -43,4 +43,7 @@ private:
 
     MenuStore &m_store;
     const ContentSources &m_sources;
+    // The rows as shown: the store has already changed when the view is told
+    // it is about to, and the view still asks about the old rows then.
+    QList<LayoutEntry> m_layout;
 };

@@ -78,12 +78,20 @@ private Q_SLOTS:
     {
         LayoutModel model(*m_store, m_settings.sources(*m_store, *m_shortcuts));
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        // Views keep their selection by asking for the rows as they were.
+        QList<MenuSource> rowsBeforeReset;
+        connect(&model, &QAbstractItemModel::modelAboutToBeReset, this, [&] {
+            rowsBeforeReset.clear();
+            for (int row = 0; row < model.rowCount(); ++row)
+                rowsBeforeReset.append(model.source(row));
+        });
         // Shortcuts and Applications, dragged together, dropped in front of Recents.
         std::unique_ptr<QMimeData> data(model.mimeData({model.index(2, 0), model.index(0, 1), model.index(0, 0)}));
         QVERIFY(data->hasFormat(QLatin1String(DraggedSource::mimeType)));
         QVERIFY(model.canDropMimeData(data.get(), Qt::MoveAction, 3, 0, {}));
         model.dropMimeData(data.get(), Qt::MoveAction, 3, 0, {});
         QCOMPARE(titles(model), (QStringList{"System Settings", "Applications", "Shortcuts", "Recents"}));
+        QCOMPARE(rowsBeforeReset.first(), MenuSource::applications());
         // Dropped below the last row: to the end.
         data.reset(model.mimeData({model.index(0, 0)}));
         model.dropMimeData(data.get(), Qt::MoveAction, -1, -1, {});
