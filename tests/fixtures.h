@@ -6,7 +6,12 @@
 #include "catalog/catalog.h"
 #include "catalog/destination.h"
 #include "catalog/systemstrings.h"
+#include "config/menustore.h"
+#include "config/preferences.h"
 #include "sources/contentsources.h"
+#include "sources/shortcutlibrary.h"
+
+#include <QTemporaryDir>
 
 #include <functional>
 #include <memory>
@@ -56,4 +61,24 @@ struct TestCatalog {
     }
 
     std::vector<std::unique_ptr<ContentSources>> made;
+};
+
+// A store saved in a temporary folder, made afresh by reset() for each test
+// function, and a shortcut library whose tool does not exist.
+struct StoreFixture {
+    QTemporaryDir dir;
+    std::unique_ptr<Preferences> preferences;
+    std::unique_ptr<MenuStore> store;
+    std::unique_ptr<ShortcutLibrary> shortcuts;
+
+    void reset()
+    {
+        static int n = 0;
+        store.reset();
+        preferences = std::make_unique<Preferences>(path(QStringLiteral("p%1.conf").arg(++n)));
+        store = std::make_unique<MenuStore>(*preferences);
+        shortcuts = std::make_unique<ShortcutLibrary>(path(QStringLiteral("no-tool")));
+    }
+
+    QString path(const QString &name) const { return dir.filePath(name); }
 };

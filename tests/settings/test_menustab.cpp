@@ -68,37 +68,30 @@ class TestMenusTab : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    StoreFixture m_saved;
     TestCatalog m_catalog;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<MenuStore> m_store;
-    std::unique_ptr<ShortcutLibrary> m_shortcuts;
     const ContentSources *m_sources = nullptr;
 
-    QString path(const QString &name) const { return m_dir.filePath(name); }
+    QString path(const QString &name) const { return m_saved.path(name); }
     QUrl fileUrl(const QString &name) const { return QUrl::fromLocalFile(path(name)); }
-    CustomMenu saved(const QUuid &id) const { return *MenuStore(*m_preferences).menu(id); }
+    CustomMenu saved(const QUuid &id) const { return *MenuStore(*m_saved.preferences).menu(id); }
 
 private Q_SLOTS:
     void init()
     {
-        static int n = 0;
-        m_store.reset();
-        m_preferences = std::make_unique<Preferences>(path(QStringLiteral("p%1.conf").arg(++n)));
-        m_store = std::make_unique<MenuStore>(*m_preferences);
-        m_shortcuts = std::make_unique<ShortcutLibrary>(path(QStringLiteral("no-tool")));
+        m_saved.reset();
         const Item saved{QStringLiteral("Saved Networks"), {}, {}, Kind::Sheet, savedNetworks, {}};
         m_catalog.set({{QStringLiteral("network"), QStringLiteral("display")}},
                       {testPane(QStringLiteral("network"), QStringLiteral("Network"), {},
                                 QList<QList<QString>>{{QStringLiteral("wifi")}}),
                        testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"), {saved}),
                        testPane(QStringLiteral("display"), QStringLiteral("Displays"))});
-        m_sources = &m_catalog.sources(*m_store, *m_shortcuts);
+        m_sources = &m_catalog.sources(*m_saved.store, *m_saved.shortcuts);
     }
 
     void menusListEditsReachTheSavedPreferences()
     {
-        CustomMenusModel model(*m_store);
+        CustomMenusModel model(*m_saved.store);
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
 
         const QModelIndex work = model.addMenu(QStringLiteral("Untitled"));
@@ -107,10 +100,10 @@ private Q_SLOTS:
         QCOMPARE(saved(model.idAt(work)).name, QStringLiteral("Work"));
         // A name of nothing but spaces is refused.
         QVERIFY(!model.setData(work, QStringLiteral("   ")));
-        QCOMPARE(m_store->menus().first().name, QStringLiteral("Work"));
+        QCOMPARE(m_saved.store->menus().first().name, QStringLiteral("Work"));
 
-        m_store->setIncluded(true, display, model.idAt(work));
-        m_store->setColor(model.idAt(work), FolderColor::Red);
+        m_saved.store->setIncluded(true, display, model.idAt(work));
+        m_saved.store->setColor(model.idAt(work), FolderColor::Red);
         const QModelIndex copy = model.duplicateMenu(work, QStringLiteral("Work copy"));
         QCOMPARE(copy.row(), 1);
         const CustomMenu copied = saved(model.idAt(copy));
@@ -124,10 +117,10 @@ private Q_SLOTS:
         model.removeMenu(model.index(0));
         QCOMPARE(titles(model), QStringList{QStringLiteral("Work copy")});
         QCOMPARE(kept.row(), 0);
-        m_store->addMenu(QStringLiteral("Elsewhere"));
+        m_saved.store->addMenu(QStringLiteral("Elsewhere"));
         QCOMPARE(titles(model), (QStringList{QStringLiteral("Work copy"), QStringLiteral("Elsewhere")}));
         QCOMPARE(resets.count(), 0);
-        QCOMPARE(MenuStore(*m_preferences).menus().size(), 2);
+        QCOMPARE(MenuStore(*m_saved.preferences).menus().size(), 2);
     }
 
     void itemsAreGroupedAndMissingFilesFlagged()
@@ -137,7 +130,7 @@ private Q_SLOTS:
         app.write("[Desktop Entry]\nType=Application\nName=Text Editor\nExec=true\n");
         app.close();
         QFile(path(QStringLiteral("notes.txt"))).open(QIODevice::WriteOnly);
-        const QUuid id = m_store->addMenu(QStringLiteral("Mixed")).id;
+        const QUuid id = m_saved.store->addMenu(QStringLiteral("Mixed")).id;
         MenuItemsModel model(*m_sources);
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setMenu(id);
@@ -145,8 +138,8 @@ private Q_SLOTS:
 
         for (const QUrl &url : {display, fileUrl(QStringLiteral("notes.txt")), fileUrl(QStringLiteral("gone.txt")),
                                 fileUrl(QStringLiteral("editor.desktop")), savedNetworks})
-            m_store->setIncluded(true, url, id);
-        m_store->updateMenu(id, [](CustomMenu &menu) { menu.groupOrder = QList{MenuItemKind::Settings}; });
+            m_saved.store->setIncluded(true, url, id);
+        m_saved.store->updateMenu(id, [](CustomMenu &menu) { menu.groupOrder = QList{MenuItemKind::Settings}; });
         QCOMPARE(titles(model), (QStringList{"System Settings", "Applications", "Files & Folders"}));
         QCOMPARE(titles(model, model.index(0, 0)), (QStringList{"Displays", "Wi-Fi › Saved Networks…"}));
         QCOMPARE(titles(model, model.index(1, 0)), QStringList{"Text Editor"});
@@ -179,10 +172,10 @@ private Q_SLOTS:
         script.close();
         script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         ShortcutLibrary library(tool);
-        const ContentSources &sources = m_catalog.sources(*m_store, library);
-        const QUuid id = m_store->addMenu(QStringLiteral("Scripts")).id;
-        m_store->setIncluded(true, shortcutURL(backup), id);
-        m_store->setIncluded(true, shortcutURL(gone), id);
+        const ContentSources &sources = m_catalog.sources(*m_saved.store, library);
+        const QUuid id = m_saved.store->addMenu(QStringLiteral("Scripts")).id;
+        m_saved.store->setIncluded(true, shortcutURL(backup), id);
+        m_saved.store->setIncluded(true, shortcutURL(gone), id);
         MenuItemsModel model(sources);
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setMenu(id);
@@ -201,9 +194,9 @@ private Q_SLOTS:
     void dragsMoveGroupsAndSettingsPlaces()
     {
         QFile(path(QStringLiteral("notes.txt"))).open(QIODevice::WriteOnly);
-        const QUuid id = m_store->addMenu(QStringLiteral("Mixed")).id;
+        const QUuid id = m_saved.store->addMenu(QStringLiteral("Mixed")).id;
         for (const QUrl &url : {wifi, fileUrl(QStringLiteral("notes.txt")), display, network})
-            m_store->setIncluded(true, url, id);
+            m_saved.store->setIncluded(true, url, id);
         MenuItemsModel model(*m_sources);
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setMenu(id);
@@ -235,13 +228,13 @@ private Q_SLOTS:
         QCOMPARE(model.mimeData({model.index(0, 0, model.index(1, 0))}), nullptr);
         QCOMPARE(model.mimeData({model.index(1, 0), model.index(0, 0, model.index(0, 0))}), nullptr);
         MenuItemsModel other(*m_sources);
-        other.setMenu(m_store->duplicateMenu(id, QStringLiteral("Other"))->id);
+        other.setMenu(m_saved.store->duplicateMenu(id, QStringLiteral("Other"))->id);
         QVERIFY(!other.canDropMimeData(groups.get(), Qt::MoveAction, 0, 0, {}));
     }
 
     void paneTreeChecksIncludePlaces()
     {
-        const QUuid id = m_store->addMenu(QStringLiteral("Settings")).id;
+        const QUuid id = m_saved.store->addMenu(QStringLiteral("Settings")).id;
         PaneTreeModel model(*m_sources);
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setMenu(id);
@@ -268,7 +261,7 @@ private Q_SLOTS:
         QCOMPARE(saved(id).urls, QList<QUrl>{wifi});
 
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-        m_store->setIncluded(false, wifi, id);
+        m_saved.store->setIncluded(false, wifi, id);
         QVERIFY(!changed.isEmpty());
         QCOMPARE(wifiRow.data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
         QCOMPARE(networkRow.data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
@@ -281,7 +274,7 @@ private Q_SLOTS:
                       {testPane(QStringLiteral("a"), QStringLiteral("A"), {}, QList<QList<QString>>{{"b"}}),
                        testPane(QStringLiteral("b"), QStringLiteral("B"), {}, QList<QList<QString>>{{"a", "c"}}),
                        testPane(QStringLiteral("c"), QStringLiteral("C"))});
-        PaneTreeModel model(m_catalog.sources(*m_store, *m_shortcuts));
+        PaneTreeModel model(m_catalog.sources(*m_saved.store, *m_saved.shortcuts));
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         const QModelIndex b = model.index(0, 0, model.index(0, 0));
         QCOMPARE(titles(model, b), QStringList{"C"});
@@ -289,11 +282,11 @@ private Q_SLOTS:
 
     void headingsCheckAllTheyHoldAndSearchFindsInside()
     {
-        const QUuid id = m_store->addMenu(QStringLiteral("Apps")).id;
+        const QUuid id = m_saved.store->addMenu(QStringLiteral("Apps")).id;
         const QUrl editor = fileUrl(QStringLiteral("editor.desktop"));
         const QUrl paint = fileUrl(QStringLiteral("paint.desktop"));
         const QUrl terminal = fileUrl(QStringLiteral("terminal.desktop"));
-        CheckableUrlsModel model(*m_store);
+        CheckableUrlsModel model(*m_saved.store);
         model.setEntries(
             {{QStringLiteral("Graphics"), {}, {}, {{QStringLiteral("Paint"), paint, {}, {}}}},
              {QStringLiteral("Utilities"),
@@ -385,8 +378,8 @@ private Q_SLOTS:
     {
         NoUpdates updates;
         FakeBackend backend;
-        HotKeyCenters hotKeys(*m_preferences, backend);
-        const SettingsServices services{*m_preferences, *m_store, updates, *m_sources, hotKeys};
+        HotKeyCenters hotKeys(*m_saved.preferences, backend);
+        const SettingsServices services{*m_saved.preferences, *m_saved.store, updates, *m_sources, hotKeys};
         MenusPane pane(services);
         pane.show();
         QVERIFY(QTest::qWaitForWindowExposed(&pane));
@@ -406,8 +399,8 @@ private Q_SLOTS:
             return static_cast<QAbstractButton *>(nullptr);
         };
         named(QStringLiteral("Add"))->click();
-        QCOMPARE(m_store->menus().size(), 1);
-        QCOMPARE(pane.currentMenu(), m_store->menus().first().id);
+        QCOMPARE(m_saved.store->menus().size(), 1);
+        QCOMPARE(pane.currentMenu(), m_saved.store->menus().first().id);
         QVERIFY(!noSelection->isVisible());
         auto *name = pane.findChild<QLineEdit *>();
         QCOMPARE(name->accessibleName(), QStringLiteral("Name"));
@@ -427,17 +420,17 @@ private Q_SLOTS:
         QTest::keyClick(name, Qt::Key_Backspace);
         QTest::keyClick(name, Qt::Key_Return);
         QCOMPARE(name->text(), QStringLiteral("Home"));
-        QCOMPARE(m_store->menus().first().name, QStringLiteral("Home"));
+        QCOMPARE(m_saved.store->menus().first().name, QStringLiteral("Home"));
 
         named(QStringLiteral("Duplicate"))->click();
         QCOMPARE(name->text(), QStringLiteral("Home copy"));
-        QCOMPARE(pane.currentMenu(), m_store->menus().last().id);
+        QCOMPARE(pane.currentMenu(), m_saved.store->menus().last().id);
         // Renamed elsewhere, the field follows.
-        m_store->renameMenu(pane.currentMenu(), QStringLiteral("Away"));
+        m_saved.store->renameMenu(pane.currentMenu(), QStringLiteral("Away"));
         QCOMPARE(name->text(), QStringLiteral("Away"));
         // Deleted elsewhere, its neighbour is shown.
-        m_store->removeMenu(pane.currentMenu());
-        QCOMPARE(pane.currentMenu(), m_store->menus().first().id);
+        m_saved.store->removeMenu(pane.currentMenu());
+        QCOMPARE(pane.currentMenu(), m_saved.store->menus().first().id);
         QCOMPARE(name->text(), QStringLiteral("Home"));
 
         // Deleting asks first, in the interface's words.
@@ -453,8 +446,8 @@ private Q_SLOTS:
         });
         named(QStringLiteral("Delete"))->click();
         QCOMPARE(asked, QStringLiteral("Are you sure you want to delete “Home”?|You can’t undo this action."));
-        QVERIFY(m_store->menus().isEmpty());
-        QVERIFY(MenuStore(*m_preferences).menus().isEmpty());
+        QVERIFY(m_saved.store->menus().isEmpty());
+        QVERIFY(MenuStore(*m_saved.preferences).menus().isEmpty());
         QVERIFY(noSelection->isVisible());
     }
 
@@ -462,11 +455,11 @@ private Q_SLOTS:
     // and follow the store.
     void paneShowsTheMenusOwnSymbolAndColour()
     {
-        const QUuid id = m_store->addMenu(QStringLiteral("Tinted")).id;
+        const QUuid id = m_saved.store->addMenu(QStringLiteral("Tinted")).id;
         NoUpdates updates;
         FakeBackend backend;
-        HotKeyCenters hotKeys(*m_preferences, backend);
-        MenusPane pane(SettingsServices{*m_preferences, *m_store, updates, *m_sources, hotKeys});
+        HotKeyCenters hotKeys(*m_saved.preferences, backend);
+        MenusPane pane(SettingsServices{*m_saved.preferences, *m_saved.store, updates, *m_sources, hotKeys});
         pane.show();
         QVERIFY(QTest::qWaitForWindowExposed(&pane));
         QToolButton *preview = nullptr;
@@ -489,8 +482,8 @@ private Q_SLOTS:
 
         color->menu()->actions().at(1)->trigger();
         QCOMPARE(saved(id).color, std::optional(FolderColor::Blue));
-        m_store->setColor(id, FolderColor::Graphite);
-        m_store->setSymbol(id, QStringLiteral("user-home-symbolic"));
+        m_saved.store->setColor(id, FolderColor::Graphite);
+        m_saved.store->setSymbol(id, QStringLiteral("user-home-symbolic"));
         QCOMPARE(checkedColor(), QStringLiteral("Graphite"));
         const QIcon drawn =
             drawnIcon(ItemIcon{MenuSymbolIcon{QStringLiteral("user-home-symbolic"), FolderColor::Graphite}});
@@ -503,13 +496,13 @@ private Q_SLOTS:
     // place or group, Delete takes items out.
     void paneMovesAndRemovesItemsFromTheKeyboard()
     {
-        const QUuid id = m_store->addMenu(QStringLiteral("Places")).id;
+        const QUuid id = m_saved.store->addMenu(QStringLiteral("Places")).id;
         for (const QUrl &url : {wifi, display, network})
-            m_store->setIncluded(true, url, id);
+            m_saved.store->setIncluded(true, url, id);
         NoUpdates updates;
         FakeBackend backend;
-        HotKeyCenters hotKeys(*m_preferences, backend);
-        MenusPane pane(SettingsServices{*m_preferences, *m_store, updates, *m_sources, hotKeys});
+        HotKeyCenters hotKeys(*m_saved.preferences, backend);
+        MenusPane pane(SettingsServices{*m_saved.preferences, *m_saved.store, updates, *m_sources, hotKeys});
         pane.show();
         QVERIFY(QTest::qWaitForWindowExposed(&pane));
         QCOMPARE(pane.currentMenu(), id);

@@ -20,11 +20,8 @@ class TestSettingsModels : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    StoreFixture m_saved;
     TestCatalog m_settings;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<MenuStore> m_store;
-    std::unique_ptr<ShortcutLibrary> m_shortcuts;
 
     QStringList titles(const QAbstractItemModel &model, int column = 0) const
     {
@@ -37,30 +34,26 @@ private:
 private Q_SLOTS:
     void init()
     {
-        static int n = 0;
-        m_store.reset();
-        m_preferences = std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("p%1.conf").arg(++n)));
-        m_store = std::make_unique<MenuStore>(*m_preferences);
-        m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
+        m_saved.reset();
         m_settings.set({{QStringLiteral("wifi")}}, {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi"))});
     }
 
     void layoutRowsEditAndFollowTheStore()
     {
-        LayoutModel model(*m_store, m_settings.sources(*m_store, *m_shortcuts));
+        LayoutModel model(*m_saved.store, m_settings.sources(*m_saved.store, *m_saved.shortcuts));
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         QCOMPARE(titles(model), (QStringList{"Applications", "System Settings", "Shortcuts", "Recents"}));
         QCOMPARE(titles(model, LayoutModel::StyleColumn), (QStringList{"Submenu", "Submenu", "Submenu", "Submenu"}));
 
         // A style chosen here is saved at once.
         QVERIFY(model.setData(model.index(3, LayoutModel::StyleColumn), int(SourceStyle::Hidden), Qt::EditRole));
-        QCOMPARE(MenuStore(*m_preferences).layout().at(3).style, SourceStyle::Hidden);
+        QCOMPARE(MenuStore(*m_saved.preferences).layout().at(3).style, SourceStyle::Hidden);
         QCOMPARE(model.index(3, LayoutModel::StyleColumn).data().toString(), QStringLiteral("Don’t Show"));
         QVERIFY(!model.setData(model.index(3, LayoutModel::StyleColumn), 7, Qt::EditRole));
 
         // Changes made elsewhere show: a folder that does not exist, a separator.
-        m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("Gone/"))));
-        m_store->addSeparator();
+        m_saved.store->addFolder(QUrl::fromLocalFile(m_saved.path(QStringLiteral("Gone/"))));
+        m_saved.store->addSeparator();
         QCOMPARE(model.rowCount(), 6);
         const QModelIndex folder = model.index(int(titles(model).indexOf(QStringLiteral("Gone"))), 0);
         QCOMPARE(folder.data().toString(), QStringLiteral("Gone"));
@@ -76,7 +69,7 @@ private Q_SLOTS:
 
     void draggedRowsMoveAsOneBlock()
     {
-        LayoutModel model(*m_store, m_settings.sources(*m_store, *m_shortcuts));
+        LayoutModel model(*m_saved.store, m_settings.sources(*m_saved.store, *m_saved.shortcuts));
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         // Views keep their selection by asking for the rows as they were.
         QList<MenuSource> rowsBeforeReset;
@@ -96,7 +89,7 @@ private Q_SLOTS:
         data.reset(model.mimeData({model.index(0, 0)}));
         model.dropMimeData(data.get(), Qt::MoveAction, -1, -1, {});
         QCOMPARE(titles(model), (QStringList{"Applications", "Shortcuts", "Recents", "System Settings"}));
-        QCOMPARE(MenuStore(*m_preferences).layout().last().source, MenuSource::systemSettings());
+        QCOMPARE(MenuStore(*m_saved.preferences).layout().last().source, MenuSource::systemSettings());
         // Anything else is refused.
         QMimeData foreign;
         foreign.setText(QStringLiteral("applications"));
@@ -109,7 +102,7 @@ private Q_SLOTS:
         const App zed{QStringLiteral("Zed"), QUrl(QStringLiteral("file:///apps/zed.desktop")), {}};
         const App atlas{QStringLiteral("Atlas"), QUrl(QStringLiteral("file:///apps/atlas.desktop")), {}};
         int scans = 0;
-        FavoriteAppsModel model(*m_store, [&] {
+        FavoriteAppsModel model(*m_saved.store, [&] {
             ++scans;
             return QList<AppEntry>{AppFolder{QStringLiteral("Tools"), {}, {}, {zed}}, atlas};
         });
@@ -121,10 +114,10 @@ private Q_SLOTS:
         QCOMPARE(titles(model), (QStringList{"Atlas", "Zed"}));
 
         QVERIFY(model.setData(model.index(1), Qt::Checked, Qt::CheckStateRole));
-        QVERIFY(m_store->isFavorite(zed.url));
-        QVERIFY(MenuStore(*m_preferences).isFavorite(zed.url));
+        QVERIFY(m_saved.store->isFavorite(zed.url));
+        QVERIFY(MenuStore(*m_saved.preferences).isFavorite(zed.url));
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-        m_store->setFavorite(true, atlas.url);
+        m_saved.store->setFavorite(true, atlas.url);
         QCOMPARE(changed.size(), 1);
         QCOMPARE(model.index(0).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Checked);
     }
@@ -134,8 +127,8 @@ private Q_SLOTS:
     {
         const QUrl marker(QStringLiteral("file:///apps/marker.desktop"));
         const QUrl vim(QStringLiteral("file:///apps/vim.desktop"));
-        const CustomMenu menu = m_store->addMenu(QStringLiteral("Work"));
-        CheckableUrlsModel apps(*m_store);
+        const CustomMenu menu = m_saved.store->addMenu(QStringLiteral("Work"));
+        CheckableUrlsModel apps(*m_saved.store);
         apps.setMenu(menu.id);
         apps.setEntries({{QStringLiteral("Accessories"),
                           {},
@@ -148,11 +141,11 @@ private Q_SLOTS:
         const QModelIndex heading = filtered.index(0, 0);
         QCOMPARE(filtered.rowCount(heading), 1);
         QVERIFY(filtered.setData(heading, Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(m_store->menu(menu.id)->urls, QList<QUrl>{marker});
+        QCOMPARE(m_saved.store->menu(menu.id)->urls, QList<QUrl>{marker});
         // Unfiltered, the heading stands for all it holds again.
         filtered.setQuery({});
         QVERIFY(filtered.setData(filtered.index(0, 0), Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(m_store->menu(menu.id)->urls, (QList<QUrl>{marker, vim}));
+        QCOMPARE(m_saved.store->menu(menu.id)->urls, (QList<QUrl>{marker, vim}));
     }
 };
 

@@ -37,31 +37,24 @@ class TestContentSources : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    StoreFixture m_saved;
     TestCatalog m_settings;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<MenuStore> m_store;
-    std::unique_ptr<ShortcutLibrary> m_shortcuts;
     int m_listings = 0;
 
     const ContentSources &sources()
     {
-        return m_settings.sources(*m_store, *m_shortcuts, {}, [this](const QUrl &url, FolderSort sort) {
+        return m_settings.sources(*m_saved.store, *m_saved.shortcuts, {}, [this](const QUrl &url, FolderSort sort) {
             ++m_listings;
             return FolderListing::list(url, sort);
         });
     }
 
-    QString path(const QString &relative) const { return m_dir.filePath(relative); }
+    QString path(const QString &relative) const { return m_saved.path(relative); }
 
 private Q_SLOTS:
     void init()
     {
-        static int n = 0;
-        m_store.reset();
-        m_preferences = std::make_unique<Preferences>(path(QStringLiteral("p%1.conf").arg(++n)));
-        m_store = std::make_unique<MenuStore>(*m_preferences);
-        m_shortcuts = std::make_unique<ShortcutLibrary>(path(QStringLiteral("no-tool")));
+        m_saved.reset();
         m_settings.set({{QStringLiteral("wifi")}, {QStringLiteral("display")}},
                        {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
                         testPane(QStringLiteral("display"), QStringLiteral("Displays"))});
@@ -72,11 +65,11 @@ private Q_SLOTS:
     void titlesIconsAndAvailability()
     {
         QDir().mkpath(path(QStringLiteral("Reports")));
-        m_store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Reports/"))));
-        m_store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Gone/"))));
-        const CustomMenu work = m_store->addMenu(QStringLiteral("Work"));
-        m_store->setColor(work.id, FolderColor::Green);
-        const auto folders = m_store->folders();
+        m_saved.store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Reports/"))));
+        m_saved.store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Gone/"))));
+        const CustomMenu work = m_saved.store->addMenu(QStringLiteral("Work"));
+        m_saved.store->setColor(work.id, FolderColor::Green);
+        const auto folders = m_saved.store->folders();
         const ContentSources &all = sources();
 
         QCOMPARE(all.title(MenuSource::applications()), QStringLiteral("Applications"));
@@ -87,7 +80,7 @@ private Q_SLOTS:
         QVERIFY(!all.isAvailable(MenuSource::folder(folders.at(1).id)));
         QCOMPARE(all.icon(MenuSource::customMenu(work.id)),
                  std::optional<ItemIcon>(MenuSymbolIcon{std::nullopt, FolderColor::Green}));
-        m_store->removeMenu(work.id);
+        m_saved.store->removeMenu(work.id);
         QVERIFY(!all.isAvailable(MenuSource::customMenu(work.id)));
         QCOMPARE(all.title(MenuSource::customMenu(work.id)), QString());
         // Until the shortcuts tool has answered, a shortcut is given the benefit of the doubt.
@@ -107,12 +100,12 @@ private Q_SLOTS:
     void customMenusGroupAndReachTheirKinds()
     {
         QFile(path(QStringLiteral("notes.txt"))).open(QIODevice::WriteOnly);
-        const CustomMenu menu = m_store->addMenu(QStringLiteral("Mixed"));
-        m_store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/display")), menu.id);
-        m_store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("notes.txt"))), menu.id);
-        m_store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("deleted.txt"))), menu.id);
+        const CustomMenu menu = m_saved.store->addMenu(QStringLiteral("Mixed"));
+        m_saved.store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/display")), menu.id);
+        m_saved.store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("notes.txt"))), menu.id);
+        m_saved.store->setIncluded(true, QUrl::fromLocalFile(path(QStringLiteral("deleted.txt"))), menu.id);
         // A place an older settings program had, which this catalog does not.
-        m_store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/screen")), menu.id);
+        m_saved.store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/screen")), menu.id);
         const MenuSource source = MenuSource::customMenu(menu.id);
         const ContentSources &all = sources();
 
@@ -122,7 +115,7 @@ private Q_SLOTS:
         // it apart from what stands before it, and a submenu drops it.
         QCOMPARE(describe(all.items(source)),
                  (QStringList{"---", "notes.txt", "deleted.txt (disabled)", "---", "Displays", "screen (disabled)"}));
-        QVERIFY(m_store->contains(QUrl(QStringLiteral("settings://gnome/screen")), menu.id));
+        QVERIFY(m_saved.store->contains(QUrl(QStringLiteral("settings://gnome/screen")), menu.id));
     }
 
     // A catalog group that opens nothing itself is a heading: a submenu
@@ -147,17 +140,17 @@ private Q_SLOTS:
     void recentsSkipWhatIsGoneAndCanBeCleared()
     {
         QFile(path(QStringLiteral("kept.txt"))).open(QIODevice::WriteOnly);
-        m_store->setRecents({QUrl(QStringLiteral("settings://gnome/wifi")),
-                             QUrl(QStringLiteral("shortcuts://run-shortcut?id=DEADBEEF-0000-4000-8000-000000000000")),
-                             QUrl::fromLocalFile(path(QStringLiteral("kept.txt"))),
-                             QUrl::fromLocalFile(path(QStringLiteral("gone.txt"))),
-                             QUrl(QStringLiteral("https://example.org/page"))});
+        m_saved.store->setRecents(
+            {QUrl(QStringLiteral("settings://gnome/wifi")),
+             QUrl(QStringLiteral("shortcuts://run-shortcut?id=DEADBEEF-0000-4000-8000-000000000000")),
+             QUrl::fromLocalFile(path(QStringLiteral("kept.txt"))),
+             QUrl::fromLocalFile(path(QStringLiteral("gone.txt"))), QUrl(QStringLiteral("https://example.org/page"))});
         const ContentSources &all = sources();
         const MenuEntries entries = all.items(MenuSource::recents());
         QCOMPARE(describe(entries), (QStringList{"Wi-Fi", "kept.txt", "gone.txt (disabled)", "https://example.org/page",
                                                  "---", "! Clear Menu"}));
         std::get<CommandEntry>(entries.last()).run();
-        QVERIFY(m_store->recents().isEmpty());
+        QVERIFY(m_saved.store->recents().isEmpty());
         QVERIFY(all.items(MenuSource::recents()).isEmpty());
     }
 
@@ -166,8 +159,8 @@ private Q_SLOTS:
         QDir().mkpath(path(QStringLiteral("Tree/Inner")));
         QFile(path(QStringLiteral("Tree/Inner/deep.txt"))).open(QIODevice::WriteOnly);
         QFile(path(QStringLiteral("Tree/top.txt"))).open(QIODevice::WriteOnly);
-        m_store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Tree/"))));
-        const MenuSource source = MenuSource::folder(m_store->folders().first().id);
+        m_saved.store->addFolder(QUrl::fromLocalFile(path(QStringLiteral("Tree/"))));
+        const MenuSource source = MenuSource::folder(m_saved.store->folders().first().id);
         const ContentSources &all = sources();
 
         const MenuEntries entries = all.items(source);
