@@ -16,6 +16,21 @@
 #include <QTimer>
 
 namespace {
+
+QKeySequence sequenceOf(const HotKeyCombination &combination)
+{
+    Qt::KeyboardModifiers modifiers;
+    if (combination.modifiers & HotKeyModifier::Ctrl)
+        modifiers |= Qt::ControlModifier;
+    if (combination.modifiers & HotKeyModifier::Alt)
+        modifiers |= Qt::AltModifier;
+    if (combination.modifiers & HotKeyModifier::Shift)
+        modifiers |= Qt::ShiftModifier;
+    if (combination.modifiers & HotKeyModifier::Super)
+        modifiers |= Qt::MetaModifier;
+    return QKeySequence(QKeyCombination(modifiers, Qt::Key(combination.keyCode)));
+}
+
 // The icon may take a moment to be placed by the panel: look every 50 ms,
 // twenty times at most, then open anyway.
 constexpr int placementPollMs = 50;
@@ -57,16 +72,38 @@ void AppDelegate::start()
 
 void AppDelegate::finishLaunching()
 {
-    m_statusMenu = std::make_unique<StatusMenuController>(m_services.statusMenuServices(), Tray::forSession(),
-                                                          [this] { showSettings(); });
+    m_statusMenu =
+        std::make_unique<StatusMenuController>(m_services.statusMenuServices(), Tray::forSession(),
+                                               StatusMenuController::Commands{
+                                                   [this] { showSettings(); },
+                                                   [this] { searchPanel().show(); },
+                                                   [] {
+                                                       const auto combination =
+                                                           HotKeyCenters::shared().search().current();
+                                                       return combination ? sequenceOf(*combination) : QKeySequence();
+                                                   },
+                                               });
+    connect(m_statusMenu.get(), &StatusMenuController::menuWanted, this, &AppDelegate::showMenuPanel);
+    connect(m_statusMenu.get(), &StatusMenuController::searchWanted, this, &AppDelegate::toggleSearchPanel);
     // One floating thing at a time: the menu opening sends the panel away.
     connect(&m_statusMenu->statusMenu(), &StatusMenu::aboutToOpen, this, [this] {
         if (m_searchPanel)
             m_searchPanel->close();
     });
     installHotKeys();
-    if (!m_launchedAtLogin)
-        openMenuWhenPlaced(0);
+    switch (m_statusMenu->trayKind()) {
+    case TrayKind::PopUp:
+        if (!m_launchedAtLogin)
+            openMenuWhenPlaced(0);
+        break;
+    case TrayKind::Exported:
+        if (!m_launchedAtLogin)
+            showMenuPanel();
+        break;
+    case TrayKind::Absent:
+        showNoTrayNotice();
+        break;
+    }
 }
 
 // The search key toggles the panel; the menu key pops the menu up at the
@@ -104,10 +141,15 @@ void AppDelegate::handle(InstanceCommand command)
     QUILLON_ASSERT_MAIN_THREAD();
     switch (command) {
     case InstanceCommand::Reopen:
-        openMenuWhenPlaced(0);
+        if (popsOwnMenu())
+            openMenuWhenPlaced(0);
+        else
+            showMenuPanel();
         break;
     case InstanceCommand::PopUpMenu:
-        if (m_statusMenu && !m_statusMenu->isOpen())
+        if (!popsOwnMenu())
+            showMenuPanel();
+        else if (!m_statusMenu->isOpen())
             m_statusMenu->popUpAtMouse();
         break;
     case InstanceCommand::ShowSettings:
@@ -117,6 +159,22 @@ void AppDelegate::handle(InstanceCommand command)
         toggleSearchPanel();
         break;
     }
+}
+
+bool AppDelegate::popsOwnMenu() const
+{
+    return m_statusMenu && m_statusMenu->trayKind() == TrayKind::PopUp;
+}
+
+// Nothing can pop a menu at the pointer here: the panel lists the menu instead.
+void AppDelegate::showMenuPanel()
+{
+    searchPanel().show();
+}
+
+void AppDelegate::showNoTrayNotice()
+{
+    searchPanel().show();
 }
 
 void AppDelegate::showSettings()

@@ -37,6 +37,9 @@ private:
     void finishLaunching();
     void installHotKeys();
     void openMenuWhenPlaced(int attempt);
+    bool popsOwnMenu() const;
+    void showMenuPanel();
+    void showNoTrayNotice();
     UpdateWindow &updateWindow();
     SearchPanelController &searchPanel();
 

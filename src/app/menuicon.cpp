@@ -14,7 +14,9 @@ QPixmap menuSizePixmap(const QPixmap &pixmap)
 
 QIcon menuSizeIcon(const QIcon &icon)
 {
-    if (icon.isNull())
+    // A theme icon draws itself at any size, and keeps its name for panels
+    // that draw the menu from the theme themselves.
+    if (icon.isNull() || !icon.name().isEmpty())
         return icon;
     // The largest image the icon has, so the copy is drawn from the best source.
     const QList<QSize> sizes = icon.availableSizes();

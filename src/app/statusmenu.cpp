@@ -88,7 +88,7 @@ StatusMenu::StatusMenu(Services services, std::function<void()> openSettings, QO
         rebuild();
         m_isOpen = true;
         Q_EMIT aboutToOpen();
-        if (showsSearch()) {
+        if (showsSearch() && !m_openSearch) {
             // Once the popup exists, so the field can take the keyboard.
             QTimer::singleShot(0, this, [this] {
                 if (m_isOpen && m_searchItem)
@@ -117,6 +117,21 @@ SearchFieldAction *StatusMenu::searchItem()
     return m_searchItem;
 }
 
+void StatusMenu::useSearchItem(std::function<void()> openSearch, std::function<QKeySequence()> hotKey)
+{
+    m_openSearch = std::move(openSearch);
+    m_searchHotKey = std::move(hotKey);
+}
+
+void StatusMenu::addSearchPanelItem()
+{
+    const QString title = m_services.sources.context().strings.text(SystemString::Search) + QStringLiteral("…");
+    QAction *search = m_menu->addAction(QIcon::fromTheme(QStringLiteral("edit-find")), menuTitle(title));
+    search->setShortcut(m_searchHotKey ? m_searchHotKey() : QKeySequence());
+    connect(search, &QAction::triggered, this, [this] { m_openSearch(); });
+    m_menu->addSeparator();
+}
+
 void StatusMenu::rebuild()
 {
     QUILLON_ASSERT_MAIN_THREAD();
@@ -137,6 +152,15 @@ void StatusMenu::buildContent()
 {
     QUILLON_ASSERT_MAIN_THREAD();
     const bool showSearch = showsSearch();
+    if (m_openSearch) {
+        removeItems(0);
+        if (showSearch)
+            addSearchPanelItem();
+        addLayout();
+        m_menu->addSeparator();
+        addCommands();
+        return;
+    }
     const auto actions = m_menu->actions();
     const bool searchOnTop = showSearch && !actions.isEmpty() && actions.first() == m_searchItem;
 

@@ -3,6 +3,7 @@
 #include "app/menubuilder.h"
 #include "search/searchsession.h"
 
+#include <QKeySequence>
 #include <QMenu>
 #include <QObject>
 
@@ -41,6 +42,11 @@ public:
     bool isOpen() const { return m_isOpen; }
     bool showsSearch() const;
 
+    // For a panel that draws the menu itself, which has no room for a text
+    // field: the first item opens the search panel instead, with the search
+    // hot key shown beside it.
+    void useSearchItem(std::function<void()> openSearch, std::function<QKeySequence()> hotKey);
+
     // Everything afresh: new search session, shortcut reload, new content.
     void rebuild();
     // Types into the search field, as a person would.
@@ -64,12 +70,15 @@ private:
     void showAbout();
     void sendFeedback();
     SearchFieldAction *searchItem();
+    void addSearchPanelItem();
 
     Services m_services;
     std::function<void()> m_openSettings;
     MenuBuilder m_builder;
     std::unique_ptr<QMenu> m_menu;
     SearchFieldAction *m_searchItem = nullptr;
+    std::function<void()> m_openSearch;
+    std::function<QKeySequence()> m_searchHotKey;
     std::optional<SearchSession> m_session;
     bool m_isOpen = false;
 };

@@ -1,33 +1,49 @@
 #pragma once
 
 #include "app/statusmenu.h"
+#include "platform/tray.h"
 
 #include <QObject>
 
 #include <memory>
 
-class Tray;
-
-// The icon in the panel and the menu behind it: every click on the icon pops
-// Quillon's own menu at the icon, or closes it when it is open.
+// The icon in the panel and the menu behind it. Where Quillon pops its own
+// menu, every click on the icon opens it at the icon, or closes it when it
+// is open. Where the panel draws the menu, the menu is handed over once and
+// the panel's requests rebuild it; a click that still reaches Quillon asks
+// for the menu's contents some other way.
 class StatusMenuController : public QObject
 {
     Q_OBJECT
 
 public:
-    StatusMenuController(StatusMenu::Services services, std::unique_ptr<Tray> tray, std::function<void()> openSettings,
+    struct Commands {
+        std::function<void()> openSettings;
+        // The first item of a menu the panel draws, in place of the field.
+        std::function<void()> openSearch;
+        std::function<QKeySequence()> searchHotKey;
+    };
+
+    StatusMenuController(StatusMenu::Services services, std::unique_ptr<Tray> tray, Commands commands,
                          QObject *parent = nullptr);
     ~StatusMenuController() override;
 
     StatusMenu &statusMenu() { return *m_statusMenu; }
+    TrayKind trayKind() const { return m_tray->kind(); }
     bool isOpen() const { return m_statusMenu->isOpen(); }
     // Where the icon is, once the panel has placed it.
     std::optional<QRect> iconGeometry() const;
 
     // At the icon, or at the mouse when the panel does not say where the
-    // icon is.
+    // icon is. Only for a tray whose menu Quillon pops up.
     void openMenu();
     void popUpAtMouse();
+
+Q_SIGNALS:
+    // The panel draws the menu, yet a click asked Quillon for it.
+    void menuWanted();
+    // A middle click on the icon.
+    void searchWanted();
 
 private:
     std::unique_ptr<StatusMenu> m_statusMenu;

@@ -4,8 +4,7 @@
 
 class QSystemTrayIcon;
 
-// Qt's own tray icon: the StatusNotifierItem when the panel has a host for
-// it, the XEmbed tray otherwise. Every click (left, right, middle) reports
+// Qt's own tray icon, for the XEmbed tray of an X11 panel. Every click (left, right, middle) reports
 // an activation; no menu is handed to the panel, which could host neither
 // the search field nor lazily filled submenus.
 class QtTray final : public Tray
@@ -16,6 +15,7 @@ public:
     explicit QtTray(QObject *parent = nullptr);
     ~QtTray() override;
 
+    TrayKind kind() const override { return TrayKind::PopUp; }
     void show(const QIcon &icon, const QString &toolTip) override;
     std::optional<QRect> iconGeometry() const override;
     void popUp(QMenu *menu, const QPoint &fallback) override;

@@ -2,10 +2,30 @@
 
 #include "common/log.h"
 #include "platform/qt_tray.h"
+#include "platform/sni_tray.h"
+#include "platform/x11selection.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QGuiApplication>
 
 #include <functional>
 
 namespace {
+
+// No panel to show an icon in: the program is reached through its search
+// panel, its hot keys and its command line instead.
+class AbsentTray final : public Tray
+{
+public:
+    TrayKind kind() const override { return TrayKind::Absent; }
+    void show(const QIcon &, const QString &) override
+    {
+        qCWarning(lcTray) << "No system tray is available: neither a StatusNotifier watcher nor an XEmbed tray";
+    }
+    std::optional<QRect> iconGeometry() const override { return std::nullopt; }
+    void popUp(QMenu *, const QPoint &) override { }
+};
 
 struct TrayChoice {
     const char *name;
@@ -15,7 +35,44 @@ struct TrayChoice {
 // Every tray there is, by the name QUILLON_TRAY gives it.
 const TrayChoice trays[] = {
     {"qt", [] { return std::make_unique<QtTray>(); }},
+    {"sni", [] { return std::make_unique<SniTray>(SniTray::MenuMode::Exported); }},
+    {"sni-popup", [] { return std::make_unique<SniTray>(SniTray::MenuMode::PoppedUp); }},
+    {"none", [] { return std::make_unique<AbsentTray>(); }},
 };
+
+std::unique_ptr<Tray> named(const char *name)
+{
+    for (const auto &tray : trays) {
+        if (qstrcmp(tray.name, name) == 0)
+            return tray.make();
+    }
+    Q_UNREACHABLE();
+}
+
+bool isWaylandSession()
+{
+    // Under Xwayland Qt speaks X11, yet the panel and the pointer belong to
+    // the compositor: a menu Quillon pops itself lands wherever it guesses.
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"))
+           || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+           || qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland");
+}
+
+bool hasStatusNotifierWatcher()
+{
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    return bus.isConnected() && bus.interface()->isServiceRegistered(QLatin1String(SniTray::watcherService));
+}
+
+const char *sessionChoice()
+{
+    const bool watcher = hasStatusNotifierWatcher();
+    if (isWaylandSession())
+        return watcher ? "sni" : "none";
+    if (watcher)
+        return "sni-popup";
+    return x11ScreenSelectionOwned("_NET_SYSTEM_TRAY_S") ? "qt" : "none";
+}
 
 } // namespace
 
@@ -31,5 +88,7 @@ std::unique_ptr<Tray> Tray::forSession()
         }
         qCWarning(lcTray) << "QUILLON_TRAY names no tray:" << wanted;
     }
-    return std::make_unique<QtTray>();
+    const char *choice = sessionChoice();
+    qCDebug(lcTray) << "Using the" << choice << "tray";
+    return named(choice);
 }

@@ -14,6 +14,11 @@ public:
     QString toolTip;
     QList<QPoint> fallbacks; // what each popUp was given for an unplaced icon
 
+    TrayKind trayKind = TrayKind::PopUp;
+    QMenu *exported = nullptr;
+
+    TrayKind kind() const override { return trayKind; }
+    void exportMenu(QMenu *menu) override { exported = menu; }
     void show(const QIcon &shown, const QString &tip) override
     {
         icon = shown;

@@ -16,6 +16,7 @@
 
 #include <QLineEdit>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWidgetAction>
@@ -208,7 +209,7 @@ private Q_SLOTS:
         FakeTray &tray = *owned;
         tray.geometry = QRect(1200, 0, 24, 24);
         StatusMenuController controller({sources(), *m_shortcuts, *m_preferences, *m_updates, *m_opener},
-                                        std::move(owned), [] {});
+                                        std::move(owned), StatusMenuController::Commands{[] {}, {}, {}});
         QCOMPARE(tray.toolTip, QStringLiteral("Quillon"));
         QVERIFY(!tray.icon.isNull());
         QCOMPARE(controller.iconGeometry(), tray.geometry);
@@ -224,6 +225,47 @@ private Q_SLOTS:
         tray.click();
         QVERIFY(controller.isOpen());
         controller.statusMenu().menu()->close();
+    }
+
+    // A panel that draws the menu gets it once, built already, with a
+    // "Search…" item in place of the field; clicks that still reach Quillon
+    // ask for the menu some other way.
+    void aPanelThatDrawsTheMenuGetsASearchItem()
+    {
+        auto owned = std::make_unique<FakeTray>();
+        FakeTray &tray = *owned;
+        tray.trayKind = TrayKind::Exported;
+        int searches = 0;
+        StatusMenuController controller(
+            {sources(), *m_shortcuts, *m_preferences, *m_updates, *m_opener}, std::move(owned),
+            StatusMenuController::Commands{[] {}, [&searches] { ++searches; },
+                                           [] { return QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Space); }});
+        QMenu *menu = controller.statusMenu().menu();
+        QCOMPARE(tray.exported, menu);
+        QCOMPARE(controller.trayKind(), TrayKind::Exported);
+        const QList<QAction *> items = menu->actions();
+        QVERIFY(items.size() > 3);
+        QCOMPARE(items.first()->text(), QStringLiteral("Search…"));
+        QCOMPARE(items.first()->shortcut(), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Space));
+        QVERIFY(menu->findChildren<QWidgetAction *>().isEmpty() || !qobject_cast<QWidgetAction *>(items.first()));
+        items.first()->trigger();
+        QCOMPARE(searches, 1);
+
+        // The panel about to show it: rebuilt, still with the item first.
+        Q_EMIT menu->aboutToShow();
+        QVERIFY(controller.isOpen());
+        QCOMPARE(menu->actions().first()->text(), QStringLiteral("Search…"));
+        Q_EMIT menu->aboutToHide();
+        QVERIFY(!controller.isOpen());
+
+        QSignalSpy wanted(&controller, &StatusMenuController::menuWanted);
+        tray.click(QPoint(1200, 10));
+        QCOMPARE(wanted.count(), 1);
+        QVERIFY(tray.fallbacks.isEmpty()); // nothing popped up by Quillon
+        // Without the search field shown, no search item either.
+        m_preferences->setValue(QStringLiteral("ShowSearch"), false);
+        Q_EMIT menu->aboutToShow();
+        QVERIFY(menu->actions().first()->text() != QStringLiteral("Search…"));
     }
 
     void theTrayIsChosenByEnvironment()
