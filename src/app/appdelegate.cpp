@@ -83,7 +83,6 @@ void AppDelegate::finishLaunching()
                                                        return combination ? sequenceOf(*combination) : QKeySequence();
                                                    },
                                                });
-    connect(m_statusMenu.get(), &StatusMenuController::menuWanted, this, &AppDelegate::showMenuPanel);
     connect(m_statusMenu.get(), &StatusMenuController::searchWanted, this, &AppDelegate::toggleSearchPanel);
     // One floating thing at a time: the menu opening sends the panel away.
     connect(&m_statusMenu->statusMenu(), &StatusMenu::aboutToOpen, this, [this] {

@@ -14,10 +14,10 @@ StatusMenuController::StatusMenuController(StatusMenu::Services services, std::u
 {
     QUILLON_ASSERT_MAIN_THREAD();
     connect(m_tray.get(), &Tray::activated, this, [this](std::optional<QPoint> at) {
-        if (m_tray->kind() != TrayKind::PopUp) {
-            Q_EMIT menuWanted();
+        // A panel that draws the menu shows it by itself; anything Quillon
+        // opened here would be a window of its own beside that menu.
+        if (m_tray->kind() != TrayKind::PopUp)
             return;
-        }
         if (isOpen()) {
             m_statusMenu->menu()->close();
             return;

@@ -10,8 +10,7 @@
 // The icon in the panel and the menu behind it. Where Quillon pops its own
 // menu, every click on the icon opens it at the icon, or closes it when it
 // is open. Where the panel draws the menu, the menu is handed over once and
-// the panel's requests rebuild it; a click that still reaches Quillon asks
-// for the menu's contents some other way.
+// the panel's requests rebuild it.
 class StatusMenuController : public QObject
 {
     Q_OBJECT
@@ -40,8 +39,6 @@ public:
     void popUpAtMouse();
 
 Q_SIGNALS:
-    // The panel draws the menu, yet a click asked Quillon for it.
-    void menuWanted();
     // A middle click on the icon.
     void searchWanted();
 

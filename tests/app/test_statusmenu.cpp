@@ -16,7 +16,6 @@
 
 #include <QLineEdit>
 #include <QMenu>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWidgetAction>
@@ -228,8 +227,7 @@ private Q_SLOTS:
     }
 
     // A panel that draws the menu gets it once, built already, with a
-    // "Search…" item in place of the field; clicks that still reach Quillon
-    // ask for the menu some other way.
+    // "Search…" item in place of the field.
     void aPanelThatDrawsTheMenuGetsASearchItem()
     {
         auto owned = std::make_unique<FakeTray>();
@@ -258,10 +256,10 @@ private Q_SLOTS:
         Q_EMIT menu->aboutToHide();
         QVERIFY(!controller.isOpen());
 
-        QSignalSpy wanted(&controller, &StatusMenuController::menuWanted);
+        // A click the panel still reports opens nothing of Quillon's own.
         tray.click(QPoint(1200, 10));
-        QCOMPARE(wanted.count(), 1);
-        QVERIFY(tray.fallbacks.isEmpty()); // nothing popped up by Quillon
+        QVERIFY(tray.fallbacks.isEmpty());
+        QVERIFY(!controller.isOpen());
         // Without the search field shown, no search item either.
         m_preferences->setValue(QStringLiteral("ShowSearch"), false);
         Q_EMIT menu->aboutToShow();
