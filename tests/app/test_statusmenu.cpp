@@ -11,6 +11,7 @@
 #include "fakelauncher.h"
 #include "faketray.h"
 #include "fixtures.h"
+#include "platform/dbusmenuexporter.h"
 #include "platform/opener.h"
 #include "sources/shortcutlibrary.h"
 
@@ -260,6 +261,26 @@ private Q_SLOTS:
         tray.click(QPoint(1200, 10));
         QVERIFY(tray.fallbacks.isEmpty());
         QVERIFY(!controller.isOpen());
+        // A panel's click on a lazily filled item opens it as a menu click
+        // would: recorded among the recents, then opened.
+        m_store->setStyle(SourceStyle::Submenu, MenuSource::systemSettings());
+        DBusMenuExporter exporter(menu);
+        QVERIFY(exporter.AboutToShow(DBusMenuExporter::rootId));
+        QAction *settings = nullptr;
+        for (QAction *action : menu->actions()) {
+            if (action->text() == QStringLiteral("System Settings"))
+                settings = action;
+        }
+        QVERIFY(settings && settings->menu()->actions().isEmpty());
+        QVERIFY(exporter.AboutToShow(exporter.idOf(settings)));
+        QAction *wifi = settings->menu()->actions().value(0);
+        QVERIFY(wifi);
+        QCOMPARE(wifi->text(), QStringLiteral("Wi-Fi"));
+        exporter.Event(exporter.idOf(wifi), QStringLiteral("clicked"), QDBusVariant(0), 0);
+        QTRY_COMPARE(m_store->recents().value(0), QUrl(QStringLiteral("settings://gnome/wifi")));
+        QCOMPARE(m_launcher.calls.size(), 1);
+        QVERIFY(m_launcher.calls.first().contains(QStringLiteral("wifi")));
+
         // Without the search field shown, no search item either.
         m_preferences->setValue(QStringLiteral("ShowSearch"), false);
         Q_EMIT menu->aboutToShow();
