@@ -156,10 +156,14 @@ shot search-from-menu
 waitfor 30 sh -c "! swaymsg -t get_tree | grep -q 'Quillon Search'" || fail "--toggle-search did not close the panel"
 "$quillon" --toggle-search
 waitfor 50 panel_inside_screen || fail "--toggle-search did not show the panel inside the screen"
-wtype -s 100 "se" || true
-sleep 0.8
+# The keyboard stays while it is looked at: sway has no keyboard of its own,
+# and the virtual one leaving takes the panel's focus with it.
+wtype -s 100 "se" -s 3000 &
+typist=$!
+sleep 1.5
 panel_inside_screen || fail "the panel grew off the screen: $(windows)"
 shot search-typed
+wait $typist || true
 
 # 5. A click the panel forwards opens the item: "Quit Quillon" ends it.
 quit=$(menu_call GetLayout 0 1 '["label"]' | grep -o "([0-9]*, {'label': <'Quit Quillon'>" | grep -o "^([0-9]*" | tr -d '(')
