@@ -35,6 +35,8 @@ QKeySequence sequenceOf(const HotKeyCombination &combination)
 // twenty times at most, then open anyway.
 constexpr int placementPollMs = 50;
 constexpr int placementAttempts = 20;
+constexpr int loginTrayWaitMs = 5000;
+constexpr int manualTrayWaitMs = 500;
 } // namespace
 
 AppDelegate::AppDelegate(bool launchedAtLogin, QObject *parent)
@@ -63,9 +65,11 @@ void AppDelegate::start()
 {
     QUILLON_ASSERT_MAIN_THREAD();
     m_services.shortcuts.refresh();
-    // The tray icon waits for the panel's tray host (bounded), so Qt picks
-    // the tray the panel actually speaks.
-    m_trayWatch = std::make_unique<TrayHostWatch>();
+    // The tray icon waits for the panel's tray host (bounded), so the tray
+    // the panel actually speaks is chosen. At login the panel may still be
+    // on its way; started by hand, a panel that is not there now will not
+    // come, and the person is waiting.
+    m_trayWatch = std::make_unique<TrayHostWatch>(m_launchedAtLogin ? loginTrayWaitMs : manualTrayWaitMs);
     connect(m_trayWatch.get(), &TrayHostWatch::ready, this, &AppDelegate::finishLaunching);
     m_trayWatch->start();
 }

@@ -237,8 +237,14 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
     elif desktop == "kde":
         modules = kde_modules()
         used = {panel_of(r["url"], desktop) for _, r in walk_records(panes) if isinstance(r.get("url"), str)}
-        for module in sorted(used - modules):
-            audit.fail(where, f"module \"{module}\" is not installed with {title} {shown}")
+        # Plasma's modules come from many packages (printers, Bluetooth,
+        # Flatpak permissions...), and a system need not have them all; a
+        # catalog most of whose modules are missing is for another Plasma.
+        missing = sorted(used - modules)
+        if len(missing) * 2 > len(used):
+            audit.fail(where, f"{len(missing)} of {len(used)} modules are not installed with {title} {shown}")
+        elif missing:
+            audit.note(where, "modules from packages not installed here: " + ", ".join(missing))
         audit.note(where, f"{len(used)} modules compared with the {len(modules)} installed settings modules")
 
     names = icon_names()
