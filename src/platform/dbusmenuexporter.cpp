@@ -23,6 +23,11 @@ const QStringList optionalProperties = {
     QStringLiteral("toggle-type"), QStringLiteral("toggle-state"), QStringLiteral("children-display"),
 };
 
+QVariantMap placeholderProperties()
+{
+    return {{QStringLiteral("label"), QStringLiteral("…")}, {QStringLiteral("enabled"), false}};
+}
+
 bool isSectionTitle(const QAction *action)
 {
     return action->isSeparator() && !action->text().isEmpty();
@@ -227,6 +232,20 @@ DBusMenuLayoutItem DBusMenuExporter::layoutOf(int id, QMenu *menu, int depth, co
         item.properties = only(properties(action), names);
     if (menu && depth != 0)
         appendChildren(item, menu, depth < 0 ? depth : depth - 1, names);
+    // A submenu not filled yet still has to look like one: GNOME's panel
+    // opens no empty submenu, and opening it is what fills it.
+    if (menu && id != rootId && depth != 0 && item.children.isEmpty()) {
+        int &placeholder = m_placeholders[menu];
+        if (placeholder == 0) {
+            placeholder = m_nextId++;
+            m_actions.insert(placeholder, nullptr);
+            connect(menu, &QObject::destroyed, this, [this, menu] {
+                if (const int unused = m_placeholders.take(menu))
+                    m_actions.remove(unused);
+            });
+        }
+        item.children.append(DBusMenuLayoutItem{placeholder, only(placeholderProperties(), names), {}});
+    }
     return item;
 }
 
@@ -270,9 +289,13 @@ DBusMenuItemList DBusMenuExporter::GetGroupProperties(const QList<int> &ids, con
             items.append({id, only({{QStringLiteral("children-display"), QStringLiteral("submenu")}}, propertyNames)});
         } else if (m_actions.contains(id)) {
             QAction *action = actionOf(id);
-            // A section's separator has no action.
-            const QVariantMap shown =
-                action ? properties(action) : QVariantMap{{QStringLiteral("type"), QStringLiteral("separator")}};
+            // A section's separator and an unfilled submenu's stand-in have no action.
+            const bool placeholder =
+                !action && std::find(m_placeholders.cbegin(), m_placeholders.cend(), id) != m_placeholders.cend();
+            const QVariantMap shown = action ? properties(action)
+                                      : placeholder
+                                          ? placeholderProperties()
+                                          : QVariantMap{{QStringLiteral("type"), QStringLiteral("separator")}};
             items.append({id, only(shown, propertyNames)});
         }
     }

@@ -87,6 +87,8 @@ private:
     QHash<int, QPointer<QAction>> m_actions;
     // The separator drawn before a section title, which has no action of its own.
     QHash<QAction *, int> m_sectionSeparators;
+    // The disabled stand-in shown in a submenu that has not been filled yet.
+    QHash<QMenu *, int> m_placeholders;
     QSet<QMenu *> m_watched;
     QCache<qint64, QByteArray> m_icons;
     int m_nextId = 1;

@@ -235,7 +235,9 @@ void SniTray::registerWithWatcher()
     QDBusMessage call =
         QDBusMessage::createMethodCall(QLatin1String(watcherService), QStringLiteral("/StatusNotifierWatcher"),
                                        QLatin1String(watcherService), QStringLiteral("RegisterStatusNotifierItem"));
-    call << m_service;
+    // By the connection's own name: every watcher takes that, while GNOME's
+    // AppIndicator extension fails on the well-known one.
+    call << m_bus.baseService();
     auto *pending = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *done) {
         done->deleteLater();
