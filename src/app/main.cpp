@@ -124,6 +124,10 @@ int main(int argc, char **argv)
     // Started by the session manager at login: our children must not claim
     // its start-up id.
     qunsetenv("DESKTOP_AUTOSTART_ID");
+    // Whoever started us may have said that a person asked for it; a running
+    // instance needs that to take the keyboard for what it shows. Read before
+    // Qt, which takes the X11 start-up id for itself.
+    const Activation activation = Activation::fromEnvironment();
     QApplication app(argc, argv);
     QCommandLineParser parser;
     Options options;
@@ -140,7 +144,7 @@ int main(int argc, char **argv)
     };
     for (const auto &[option, command] : commands) {
         if (parser.isSet(*option)) {
-            if (SingleInstance::send(command))
+            if (SingleInstance::send(command, activation))
                 return 0;
             QTextStream(stderr) << "Quillon is not running.\n";
             return 1;
@@ -149,14 +153,20 @@ int main(int argc, char **argv)
 
     SingleInstance instance;
     if (!instance.claim()) {
-        SingleInstance::send(InstanceCommand::Reopen);
+        SingleInstance::send(InstanceCommand::Reopen, activation);
         return 0;
     }
 
     ensureIconTheme();
     installOwnTranslation(preferredLanguages());
     AppDelegate delegate(parser.isSet(options.autostart));
-    QObject::connect(&instance, &SingleInstance::commandReceived, &delegate, &AppDelegate::handle);
+    QObject::connect(&instance, &SingleInstance::commandReceived, &delegate,
+                     [&delegate](InstanceCommand command, const Activation &activation) {
+                         // The windows the command raises ask for the keyboard
+                         // before handle() returns.
+                         const ActivationScope scope(activation);
+                         delegate.handle(command);
+                     });
     delegate.start();
     return app.exec();
 }

@@ -5,15 +5,24 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDir>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QStandardPaths>
+#include <QUrl>
+
+#include <memory>
+#include <utility>
 
 #include <unistd.h>
 
 namespace {
+
+constexpr const char *applicationInterface = "org.freedesktop.Application";
+const QString tokenKey = QStringLiteral("activation-token");
+const QString startupIdKey = QStringLiteral("desktop-startup-id");
 
 // The bus face of the running instance: one method per command.
 class InstanceAdaptor : public QDBusAbstractAdaptor
@@ -29,10 +38,63 @@ public:
     }
 
 public Q_SLOTS:
-    void Reopen() { Q_EMIT m_instance->commandReceived(InstanceCommand::Reopen); }
-    void ToggleSearch() { Q_EMIT m_instance->commandReceived(InstanceCommand::ToggleSearch); }
-    void PopUpMenu() { Q_EMIT m_instance->commandReceived(InstanceCommand::PopUpMenu); }
-    void ShowSettings() { Q_EMIT m_instance->commandReceived(InstanceCommand::ShowSettings); }
+    void Reopen() { Q_EMIT m_instance->commandReceived(InstanceCommand::Reopen, {}); }
+    void ToggleSearch() { Q_EMIT m_instance->commandReceived(InstanceCommand::ToggleSearch, {}); }
+    void PopUpMenu() { Q_EMIT m_instance->commandReceived(InstanceCommand::PopUpMenu, {}); }
+    void ShowSettings() { Q_EMIT m_instance->commandReceived(InstanceCommand::ShowSettings, {}); }
+
+private:
+    SingleInstance *m_instance;
+};
+
+Activation activationFrom(const QVariantMap &platformData)
+{
+    return Activation{platformData.value(tokenKey).toString(), platformData.value(startupIdKey).toString()};
+}
+
+QVariantMap platformDataOf(const Activation &activation)
+{
+    QVariantMap data;
+    if (!activation.token.isEmpty())
+        data.insert(tokenKey, activation.token);
+    if (!activation.startupId.isEmpty())
+        data.insert(startupIdKey, activation.startupId);
+    return data;
+}
+
+// The same commands in the desktop's own vocabulary, which carries the
+// activation along: Activate is Reopen, every other command is an action
+// of its own name.
+class ApplicationAdaptor : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    explicit ApplicationAdaptor(SingleInstance *instance)
+        : QDBusAbstractAdaptor(instance)
+        , m_instance(instance)
+    {
+    }
+
+public Q_SLOTS:
+    void Activate(const QVariantMap &platformData)
+    {
+        Q_EMIT m_instance->commandReceived(InstanceCommand::Reopen, activationFrom(platformData));
+    }
+
+    void ActivateAction(const QString &name, const QVariantList &, const QVariantMap &platformData,
+                        const QDBusMessage &message)
+    {
+        const auto command = enumFromString<InstanceCommand>(name);
+        if (!command) {
+            message.setDelayedReply(true);
+            QDBusConnection::sessionBus().send(
+                message.createErrorReply(QDBusError::InvalidArgs, QStringLiteral("No action named \"%1\"").arg(name)));
+            return;
+        }
+        Q_EMIT m_instance->commandReceived(*command, activationFrom(platformData));
+    }
 
 private:
     SingleInstance *m_instance;
@@ -40,7 +102,31 @@ private:
 
 constexpr int socketTimeoutMs = 2000;
 
+// Over the socket the activation goes ahead of its command as "key=value"
+// lines, values percent-encoded; an instance that does not know them skips
+// them and still runs the command.
+QByteArray socketLine(const QString &key, const QString &value)
+{
+    return key.toUtf8() + '=' + QUrl::toPercentEncoding(value) + '\n';
+}
+
 } // namespace
+
+Activation Activation::fromEnvironment()
+{
+    return Activation{qEnvironmentVariable("XDG_ACTIVATION_TOKEN"), qEnvironmentVariable("DESKTOP_STARTUP_ID")};
+}
+
+ActivationScope::ActivationScope(const Activation &activation)
+{
+    if (!activation.token.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", activation.token.toUtf8());
+}
+
+ActivationScope::~ActivationScope()
+{
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
 
 SingleInstance::SingleInstance(QObject *parent)
     : QObject(parent)
@@ -68,6 +154,7 @@ bool SingleInstance::claim()
         return claimSocket();
 
     new InstanceAdaptor(this);
+    new ApplicationAdaptor(this);
     if (!bus.registerObject(QLatin1String(objectPath), this)) {
         qCWarning(lcApp, "Could not export %s on the session bus", objectPath);
         return claimSocket();
@@ -103,11 +190,22 @@ bool SingleInstance::claimSocket()
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *socket = m_server->nextPendingConnection()) {
             connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
+            auto pending = std::make_shared<Activation>();
+            connect(socket, &QLocalSocket::readyRead, this, [this, socket, pending] {
                 while (socket->canReadLine()) {
                     const QString line = QString::fromUtf8(socket->readLine()).trimmed();
-                    if (const auto command = enumFromString<InstanceCommand>(line))
-                        Q_EMIT commandReceived(*command);
+                    const qsizetype equals = line.indexOf(u'=');
+                    if (equals < 0) {
+                        if (const auto command = enumFromString<InstanceCommand>(line))
+                            Q_EMIT commandReceived(*command, std::exchange(*pending, {}));
+                        continue;
+                    }
+                    const QString key = line.left(equals);
+                    const QString value = QUrl::fromPercentEncoding(line.mid(equals + 1).toUtf8());
+                    if (key == tokenKey)
+                        pending->token = value;
+                    else if (key == startupIdKey)
+                        pending->startupId = value;
                 }
             });
         }
@@ -115,23 +213,50 @@ bool SingleInstance::claimSocket()
     return true;
 }
 
-bool SingleInstance::send(InstanceCommand command)
+bool SingleInstance::send(InstanceCommand command, const Activation &activation)
+{
+    if (!QDBusConnection::sessionBus().isConnected())
+        return sendOverSocket(command, activation);
+    return sendOverBus(command, activation);
+}
+
+bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &activation)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
-        return sendOverSocket(command);
+    if (!activation.isEmpty()) {
+        const bool reopen = command == InstanceCommand::Reopen;
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            QLatin1String(serviceName), QLatin1String(objectPath), QLatin1String(applicationInterface),
+            reopen ? QStringLiteral("Activate") : QStringLiteral("ActivateAction"));
+        if (reopen)
+            call << platformDataOf(activation);
+        else
+            call << enumToString(command) << QVariantList() << platformDataOf(activation);
+        const QDBusMessage reply = bus.call(call, QDBus::Block, socketTimeoutMs);
+        if (reply.type() == QDBusMessage::ReplyMessage)
+            return true;
+        // An instance from before the activation was passed on: the plain
+        // command still reaches it.
+        const QDBusError::ErrorType error = QDBusError(reply).type();
+        if (error != QDBusError::UnknownMethod && error != QDBusError::UnknownInterface)
+            return false;
+    }
     const QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(serviceName), QLatin1String(objectPath),
                                                              QLatin1String(serviceName), enumToString(command));
     const QDBusMessage reply = bus.call(call, QDBus::Block, socketTimeoutMs);
     return reply.type() == QDBusMessage::ReplyMessage;
 }
 
-bool SingleInstance::sendOverSocket(InstanceCommand command)
+bool SingleInstance::sendOverSocket(InstanceCommand command, const Activation &activation)
 {
     QLocalSocket socket;
     socket.connectToServer(socketPath());
     if (!socket.waitForConnected(socketTimeoutMs))
         return false;
+    if (!activation.token.isEmpty())
+        socket.write(socketLine(tokenKey, activation.token));
+    if (!activation.startupId.isEmpty())
+        socket.write(socketLine(startupIdKey, activation.startupId));
     socket.write(enumToString(command).toUtf8() + '\n');
     socket.flush();
     socket.waitForBytesWritten(socketTimeoutMs);

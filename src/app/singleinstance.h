@@ -21,9 +21,45 @@ struct EnumCases<InstanceCommand> {
     }};
 };
 
+// The proof that a person just asked for something, handed by the desktop to
+// the process it started (a key binding, a launcher). Compositors give the
+// keyboard to a window only with it, so a second `quillon` passes its own on
+// to the running one.
+struct Activation {
+    QString token;     // XDG_ACTIVATION_TOKEN (Wayland)
+    QString startupId; // DESKTOP_STARTUP_ID (X11 startup notification)
+
+    bool isEmpty() const { return token.isEmpty() && startupId.isEmpty(); }
+    bool operator==(const Activation &) const = default;
+
+    // What this process was started with. Read it before the toolkit starts:
+    // on X11 Qt takes DESKTOP_STARTUP_ID out of the environment.
+    static Activation fromEnvironment();
+};
+
+// While it lives, windows that ask for the keyboard present `activation`'s
+// token: Qt's Wayland plugin reads XDG_ACTIVATION_TOKEN when a window
+// requests activation and then removes it. A token nobody used is removed
+// at the end too, so no later, unasked-for window steals the keyboard with it.
+class ActivationScope
+{
+public:
+    explicit ActivationScope(const Activation &activation);
+    ~ActivationScope();
+    ActivationScope(const ActivationScope &) = delete;
+    ActivationScope &operator=(const ActivationScope &) = delete;
+};
+
 // One Quillon per session. The first owns the session-bus name
 // app.quillon.Quillon and takes commands on /app/quillon/Quillon; without a
 // session bus a local socket in the runtime folder stands in.
+//
+// On the bus the commands are methods of app.quillon.Quillon without
+// arguments, which desktop key bindings can call as they are. With an
+// activation the same commands go through org.freedesktop.Application on the
+// same object: Activate for Reopen, ActivateAction with the command's name
+// for the others, the activation in the platform data
+// ("activation-token", "desktop-startup-id").
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -39,17 +75,18 @@ public:
     // instance answers (then send it a command and leave).
     bool claim();
     // Sends a command to the running instance; false when none answered.
-    static bool send(InstanceCommand command);
+    static bool send(InstanceCommand command, const Activation &activation = {});
 
     // The socket used without a session bus.
     static QString socketPath();
 
 Q_SIGNALS:
-    void commandReceived(InstanceCommand command);
+    void commandReceived(InstanceCommand command, const Activation &activation);
 
 private:
     bool claimSocket();
-    static bool sendOverSocket(InstanceCommand command);
+    static bool sendOverBus(InstanceCommand command, const Activation &activation);
+    static bool sendOverSocket(InstanceCommand command, const Activation &activation);
 
     QLocalServer *m_server = nullptr;
     bool m_onBus = false;

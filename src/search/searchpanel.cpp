@@ -6,7 +6,6 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPainterPath>
-#include <QVBoxLayout>
 #include <QWindow>
 
 namespace {
@@ -25,27 +24,32 @@ bool SearchPanel::canBlend()
     return true;
 }
 
+bool SearchPanel::isPlacedByCompositor()
+{
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
 SearchPanel::SearchPanel(bool blended, QWidget *parent)
     : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
     , m_margin(blended ? shadowMargin : 0)
 {
     setAttribute(Qt::WA_TranslucentBackground, blended);
     setWindowTitle(QStringLiteral("Quillon Search"));
-    auto *layout = new QVBoxLayout(this);
-    // The shadow falls below the body, so the margin is lopsided only in what
-    // is drawn, not in where the body sits.
-    layout->setContentsMargins(m_margin, m_margin, m_margin, m_margin);
-    layout->setSpacing(0);
 }
 
 void SearchPanel::setContent(QWidget *content)
 {
-    layout()->addWidget(content);
+    m_content = content;
+    content->setParent(this);
+    // The shadow falls below the body, so the margin is lopsided only in what
+    // is drawn, not in where the body sits.
+    content->move(m_margin, m_margin);
+    content->show();
 }
 
 QRect SearchPanel::bodyRect() const
 {
-    return rect().adjusted(m_margin, m_margin, -m_margin, -m_margin);
+    return QRect(QPoint(m_margin, m_margin), m_body);
 }
 
 QRect SearchPanel::bodyGeometry() const
@@ -63,9 +67,32 @@ void SearchPanel::resizeBody(const QSize &size)
 {
     if (size.height() <= 0)
         return;
+    m_body = size;
+    if (m_content)
+        m_content->setGeometry(bodyRect());
+    applySize();
+}
+
+void SearchPanel::reserveBodyHeight(int height)
+{
+    m_reserved = std::max(0, height);
+    applySize();
+}
+
+void SearchPanel::applySize()
+{
     // Window geometry is anchored at the top left, so a plain resize keeps
     // the top edge still.
-    setFixedSize(size + QSize(2 * m_margin, 2 * m_margin));
+    const QSize frame(m_body.width() + 2 * m_margin, std::max(m_body.height(), m_reserved) + 2 * m_margin);
+    setFixedSize(frame);
+    if (m_reserved > 0) {
+        // Clicks below the body go to whatever is underneath. Set on the
+        // window, not the widget, so the shadow is still drawn.
+        if (!windowHandle())
+            create();
+        windowHandle()->setMask(QRegion(0, 0, frame.width(), m_body.height() + 2 * m_margin));
+    }
+    update();
 }
 
 void SearchPanel::present()
@@ -76,8 +103,9 @@ void SearchPanel::present()
     // On X11 Qt asks the window manager with the time of the last event it
     // saw; a request that came in over D-Bus has no fresher one to offer.
     // On Wayland the compositor may want an activation token from whoever
-    // pressed the key, which a command from another process does not carry
-    // to us, so this request is the most that can be done there.
+    // pressed the key: Qt presents the one in XDG_ACTIVATION_TOKEN, which the
+    // command's handler sets while it runs, at the first request (the one
+    // above, from activateWindow).
     if (QWindow *window = windowHandle())
         window->requestActivate();
 }

@@ -6,9 +6,12 @@
 #include "platform/opener.h"
 #include "search/searchpanel.h"
 #include "search/searchpanelmodel.h"
+#include "search/searchpanelrows.h"
 #include "search/searchpanelview.h"
+#include "sources/menutoplevel.h"
 #include "sources/shortcutlibrary.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCursor>
 #include <QKeyEvent>
@@ -16,9 +19,27 @@
 #include <QMouseEvent>
 #include <QScreen>
 
-QPoint searchPanelOrigin(const QRect &visible, int width)
+#include <algorithm>
+
+namespace {
+
+// Less list than this is hardly a list: three rows.
+constexpr int shortestUsefulList = 3 * SearchPanelDelegate::rowHeight + 12;
+
+const QString menuTitle = QStringLiteral("Quillon");
+
+} // namespace
+
+SearchPanelGeometry searchPanelGeometry(const QRect &available, int width, int margin, int fixedHeight,
+                                        int maxResultsHeight)
 {
-    return QPoint(visible.x() + visible.width() / 2 - width / 2, visible.y() + visible.height() / 5);
+    const int bottom = available.y() + available.height() - margin; // the body ends above this
+    const int wanted = std::min(maxResultsHeight, shortestUsefulList);
+    int top = available.y() + available.height() / 5;
+    if (bottom - top - fixedHeight < wanted)
+        top = std::max(available.y() + margin, bottom - fixedHeight - wanted);
+    return SearchPanelGeometry{QPoint(available.x() + available.width() / 2 - width / 2, top),
+                               std::clamp(bottom - top - fixedHeight, 0, maxResultsHeight)};
 }
 
 SearchPanelController::SearchPanelController(Services services, QObject *parent)
@@ -80,19 +101,54 @@ void SearchPanelController::show()
     m_view = view;
     connect(panel, &SearchPanel::dismissed, this, &SearchPanelController::close);
     connect(view, &SearchPanelView::openRequested, this, &SearchPanelController::open);
+    connect(view, &SearchPanelView::entryActivated, this, &SearchPanelController::activateEntry);
     connect(view, &SearchPanelView::contentSizeChanged, panel, &SearchPanel::resizeBody);
 
-    panel->resizeBody(view->contentSize());
-    const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
-    if (!screen)
-        screen = QGuiApplication::primaryScreen();
-    panel->moveBody(searchPanelOrigin(screen ? screen->availableGeometry() : QRect(), SearchPanelView::width));
+    place();
 
     // Set before showing, the field has the keyboard as soon as the window does.
     view->field()->setFocus(Qt::ActiveWindowFocusReason);
     panel->present();
     // Keys and clicks of the whole application pass by here while shown.
     qApp->installEventFilter(this);
+}
+
+void SearchPanelController::place()
+{
+    const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    const SearchPanelGeometry geometry =
+        searchPanelGeometry(screen ? screen->availableGeometry() : QRect(), SearchPanelView::width, m_panel->margin(),
+                            m_view->fixedHeight(), SearchPanelView::maxResultsHeight);
+    m_view->setMaxResultsHeight(geometry.maxResultsHeight);
+    if (SearchPanel::isPlacedByCompositor())
+        m_panel->reserveBodyHeight(m_view->fixedHeight() + geometry.maxResultsHeight);
+    m_panel->resizeBody(m_view->contentSize());
+    // A wish only where the compositor places windows.
+    m_panel->moveBody(geometry.bodyTopLeft);
+}
+
+void SearchPanelController::showMenu(MenuEntries commands)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    show();
+    MenuEntries entries = menuTopLevel(m_services.sources);
+    if (!commands.isEmpty()) {
+        if (!entries.isEmpty())
+            entries.append(SeparatorEntry{});
+        entries.append(std::move(commands));
+    }
+    m_view->field()->clear();
+    m_model->browse(menuTitle, std::move(entries));
+}
+
+void SearchPanelController::showNotice(const PanelNotice &notice)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    show();
+    m_view->setNotice(notice);
+    place();
 }
 
 void SearchPanelController::close()
@@ -121,8 +177,36 @@ void SearchPanelController::moveSelection(int step)
 void SearchPanelController::openSelection()
 {
     QUILLON_ASSERT_MAIN_THREAD();
-    if (m_model && m_model->selection())
+    if (!m_model)
+        return;
+    if (m_model->isBrowsing()) {
+        if (const auto entry = m_model->browser()->selected())
+            activateEntry(*entry);
+        return;
+    }
+    if (m_model->selection())
         open(*m_model->selection());
+}
+
+void SearchPanelController::activateEntry(int entry)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    if (!m_model || !m_model->isBrowsing())
+        return;
+    const MenuEntries &entries = m_model->browser()->entries();
+    if (entry < 0 || entry >= entries.size() || !MenuBrowser::canChoose(entries.at(entry)))
+        return;
+    // Copied: closing lets go of the menu that holds it.
+    const MenuEntry chosen = entries.at(entry);
+    if (const auto *item = std::get_if<OpenableEntry>(&chosen)) {
+        open(item->url);
+    } else if (std::holds_alternative<SubmenuEntry>(chosen)) {
+        m_model->enter(entry);
+    } else if (const auto *command = std::get_if<CommandEntry>(&chosen)) {
+        close();
+        if (command->run)
+            command->run();
+    }
 }
 
 void SearchPanelController::open(const QUrl &url)
@@ -134,9 +218,27 @@ void SearchPanelController::open(const QUrl &url)
     m_services.opener.open(url);
 }
 
-bool SearchPanelController::handleKey(int key)
+bool SearchPanelController::handleKey(const QKeyEvent *event, QObject *receiver)
 {
+    const int key = event->key();
+    // A notice's button takes its own Return and Space.
+    if (qobject_cast<QAbstractButton *>(receiver) && key != Qt::Key_Escape)
+        return false;
+    const bool browsing = m_model && m_model->isBrowsing();
+    const bool fieldEmpty = m_view && m_view->field()->text().isEmpty();
     switch (key) {
+    case Qt::Key_Right:
+        if (!browsing)
+            return false;
+        if (const auto entry = m_model->browser()->selected())
+            m_model->enter(*entry);
+        return true;
+    case Qt::Key_Left:
+    case Qt::Key_Backspace:
+        if (!browsing || !fieldEmpty)
+            return false;
+        m_model->back();
+        return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
         openSelection();
@@ -169,7 +271,7 @@ bool SearchPanelController::eventFilter(QObject *watched, QEvent *event)
         inPanel = w == m_panel;
 
     if (type == QEvent::KeyPress)
-        return inPanel && handleKey(static_cast<QKeyEvent *>(event)->key());
+        return inPanel && handleKey(static_cast<QKeyEvent *>(event), watched);
 
     // A press on the shadow around the body is outside too. The press goes on
     // to where it was headed either way.

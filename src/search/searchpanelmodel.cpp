@@ -13,6 +13,7 @@ SearchPanelModel::SearchPanelModel(const ContentSources &sources, QObject *paren
 void SearchPanelModel::setQuery(const QString &query)
 {
     QUILLON_ASSERT_MAIN_THREAD();
+    const bool wasBrowsing = isBrowsing();
     m_query = query;
     // Surrounding blanks are never what a person means to find; an empty
     // field shows nothing rather than everything.
@@ -27,7 +28,7 @@ void SearchPanelModel::setQuery(const QString &query)
     if (!kept)
         m_selection = all.isEmpty() ? std::nullopt : std::optional<QUrl>(all.first().url);
     Q_EMIT groupsChanged();
-    if (m_selection != previous)
+    if (m_selection != previous || wasBrowsing != isBrowsing())
         Q_EMIT selectionChanged();
 }
 
@@ -42,6 +43,13 @@ QList<SearchResult> SearchPanelModel::results() const
 void SearchPanelModel::moveSelection(int step)
 {
     QUILLON_ASSERT_MAIN_THREAD();
+    if (isBrowsing()) {
+        const auto before = m_browser->selected();
+        m_browser->moveSelection(step);
+        if (m_browser->selected() != before)
+            Q_EMIT selectionChanged();
+        return;
+    }
     const QList<SearchResult> all = results();
     if (all.isEmpty())
         return;
@@ -62,4 +70,48 @@ void SearchPanelModel::select(const std::optional<QUrl> &url)
         return;
     m_selection = url;
     Q_EMIT selectionChanged();
+}
+
+void SearchPanelModel::browse(const QString &title, MenuEntries entries)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    m_browser = std::make_unique<MenuBrowser>(title, std::move(entries));
+    Q_EMIT groupsChanged();
+    Q_EMIT selectionChanged();
+}
+
+bool SearchPanelModel::isBrowsing() const
+{
+    return m_browser && m_query.trimmed().isEmpty();
+}
+
+bool SearchPanelModel::enter(int entry)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    if (!isBrowsing() || !m_browser->enter(entry))
+        return false;
+    Q_EMIT groupsChanged();
+    Q_EMIT selectionChanged();
+    return true;
+}
+
+bool SearchPanelModel::back()
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    if (!isBrowsing() || !m_browser->back())
+        return false;
+    Q_EMIT groupsChanged();
+    Q_EMIT selectionChanged();
+    return true;
+}
+
+void SearchPanelModel::selectEntry(int entry)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    if (!isBrowsing())
+        return;
+    const auto before = m_browser->selected();
+    m_browser->select(entry);
+    if (m_browser->selected() != before)
+        Q_EMIT selectionChanged();
 }

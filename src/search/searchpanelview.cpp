@@ -1,9 +1,11 @@
 #include "search/searchpanelview.h"
 
 #include "search/searchpanelmodel.h"
+#include "search/searchpanelnotice.h"
 #include "search/searchpanelrows.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -73,11 +75,7 @@ SearchPanelView::SearchPanelView(SearchPanelModel *model, const QString &placeho
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_list->setContentsMargins(0, listPadding, 0, listPadding);
-    connect(m_list, &QListView::clicked, this, [this](const QModelIndex &index) {
-        const QUrl url = index.data(SearchPanelRows::UrlRole).toUrl();
-        if (!url.isEmpty())
-            Q_EMIT openRequested(url);
-    });
+    connect(m_list, &QListView::clicked, this, &SearchPanelView::rowClicked);
 
     QColor dim = m_empty->palette().color(QPalette::WindowText);
     dim.setAlphaF(0.55);
@@ -102,13 +100,55 @@ SearchPanelView::SearchPanelView(SearchPanelModel *model, const QString &placeho
     showResults();
 }
 
+void SearchPanelView::rowClicked(const QModelIndex &index)
+{
+    // The second click of a double click lands on whatever the first one
+    // brought up; one act per double click.
+    if (m_sinceLevelChange.isValid() && m_sinceLevelChange.elapsed() < QApplication::doubleClickInterval())
+        return;
+    const int entry = index.data(SearchPanelRows::EntryRole).toInt();
+    if (entry >= 0) {
+        if (index.data(SearchPanelRows::IsEnabledRole).toBool()) {
+            m_sinceLevelChange.start();
+            Q_EMIT entryActivated(entry);
+        }
+        return;
+    }
+    const QUrl url = index.data(SearchPanelRows::UrlRole).toUrl();
+    if (!url.isEmpty())
+        Q_EMIT openRequested(url);
+}
+
+void SearchPanelView::setNotice(const PanelNotice &notice)
+{
+    delete m_notice;
+    m_notice = new SearchPanelNotice(notice, this);
+    m_notice->setFixedHeight(m_notice->hasHeightForWidth() ? m_notice->heightForWidth(width)
+                                                           : m_notice->sizeHint().height());
+    static_cast<QVBoxLayout *>(layout())->insertWidget(0, m_notice);
+    Q_EMIT contentSizeChanged(contentSize());
+}
+
+int SearchPanelView::fixedHeight() const
+{
+    return (m_notice ? m_notice->minimumHeight() : 0) + fieldHeight + 1;
+}
+
+void SearchPanelView::setMaxResultsHeight(int height)
+{
+    m_maxResultsHeight = std::max(0, height);
+    showResults();
+}
+
 QSize SearchPanelView::contentSize() const
 {
-    int height = fieldHeight;
+    int height = (m_notice ? m_notice->minimumHeight() : 0) + fieldHeight;
+    if (m_list->isVisibleTo(this) || m_empty->isVisibleTo(this))
+        height += 1;
     if (m_list->isVisibleTo(this))
-        height += 1 + m_resultsHeight;
-    else if (m_empty->isVisibleTo(this))
-        height += 1 + emptyHeight;
+        height += m_resultsHeight;
+    if (m_empty->isVisibleTo(this))
+        height += emptyHeight;
     return QSize(width, height);
 }
 
@@ -117,13 +157,15 @@ int SearchPanelView::resultsHeight() const
     int rows = 0;
     for (int row = 0; row < m_rows->rowCount(); ++row)
         rows += m_list->sizeHintForRow(row);
-    return std::min(maxResultsHeight, rows + 2 * listPadding);
+    return std::min(m_maxResultsHeight, rows + 2 * listPadding);
 }
 
 void SearchPanelView::showResults()
 {
     const bool hasResults = m_rows->rowCount() > 0;
-    const bool nothingFound = !hasResults && !m_model->query().trimmed().isEmpty();
+    const bool browsing = m_model->isBrowsing();
+    const bool nothingFound =
+        browsing ? m_model->browser()->entries().isEmpty() : !hasResults && !m_model->query().trimmed().isEmpty();
     m_list->setVisible(hasResults);
     m_empty->setVisible(nothingFound);
     m_divider->setVisible(hasResults || nothingFound);

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "search/panelnotice.h"
+
+#include <QElapsedTimer>
 #include <QUrl>
 #include <QWidget>
 
@@ -7,10 +10,12 @@ class QLabel;
 class QLineEdit;
 class QListView;
 class SearchPanelModel;
+class SearchPanelNotice;
 class SearchPanelRows;
 
-// The panel's content: the search field and, under it, the grouped results.
-// It is as tall as what it shows, the results list at most maxResultsHeight,
+// The panel's content: a notice if there is one, the search field and, under
+// it, the grouped results or the menu being browsed. It is as tall as what it
+// shows, the list at most maxResultsHeight (less where the screen is small),
 // and tells its owner whenever that height changes.
 class SearchPanelView : public QWidget
 {
@@ -26,14 +31,23 @@ public:
 
     QLineEdit *field() const { return m_field; }
     QListView *results() const { return m_list; }
+    SearchPanelNotice *notice() const { return m_notice; }
     // The size the content wants now.
     QSize contentSize() const;
+    // The height of everything but the list: notice, field and the line under it.
+    int fixedHeight() const;
+    void setMaxResultsHeight(int height);
+    // Shows `notice` above the field, in place of any before it.
+    void setNotice(const PanelNotice &notice);
 
 Q_SIGNALS:
     void openRequested(const QUrl &url);
+    // A click on the entry at this index of the menu level shown.
+    void entryActivated(int entry);
     void contentSizeChanged(const QSize &size);
 
 private:
+    void rowClicked(const QModelIndex &index);
     void showResults();
     void revealSelection();
     int resultsHeight() const;
@@ -44,5 +58,8 @@ private:
     QListView *m_list;
     QLabel *m_empty;
     SearchPanelRows *m_rows;
+    SearchPanelNotice *m_notice = nullptr;
     int m_resultsHeight = 0;
+    int m_maxResultsHeight = maxResultsHeight;
+    QElapsedTimer m_sinceLevelChange;
 };

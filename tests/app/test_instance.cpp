@@ -8,6 +8,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+namespace {
+
+// Run as `test_instance --send COMMAND`, the test is the second `quillon`.
+const QString clientArgument = QStringLiteral("--send");
+
+} // namespace
+
 class TestInstance : public QObject
 {
     Q_OBJECT
@@ -50,8 +57,10 @@ private Q_SLOTS:
             QCOMPARE(client.exitCode(), 0);
         }
         QTRY_COMPARE(received.count(), 4);
-        for (int i = 0; i < 4; ++i)
-            QCOMPARE(received.at(i).first().value<InstanceCommand>(), allCases<InstanceCommand>().at(i));
+        for (int i = 0; i < 4; ++i) {
+            QCOMPARE(received.at(i).at(0).value<InstanceCommand>(), allCases<InstanceCommand>().at(i));
+            QCOMPARE(received.at(i).at(1).value<Activation>(), Activation());
+        }
 
         if (!onBus) {
             SingleInstance second;
@@ -59,6 +68,71 @@ private Q_SLOTS:
             QTest::qWait(50);
             QCOMPARE(received.count(), 4);
         }
+    }
+
+    // A second `quillon` started by a key binding hands its token on; so does
+    // one that only finds the instance running (Reopen).
+    void theActivationTravelsWithTheCommand()
+    {
+        const bool onBus = QDBusConnection::sessionBus().isConnected();
+        SingleInstance first;
+        QVERIFY(first.claim());
+        QSignalSpy received(&first, &SingleInstance::commandReceived);
+        const Activation activation{QStringLiteral("wl token/1 ü"), QStringLiteral("launcher-1_TIME42")};
+        for (const auto command : {InstanceCommand::ToggleSearch, InstanceCommand::Reopen}) {
+            if (onBus) {
+                QProcess client;
+                QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+                environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), activation.token);
+                environment.insert(QStringLiteral("DESKTOP_STARTUP_ID"), activation.startupId);
+                client.setProcessEnvironment(environment);
+                client.start(QCoreApplication::applicationFilePath(), {clientArgument, enumToString(command)});
+                QTRY_COMPARE(client.state(), QProcess::NotRunning);
+                QCOMPARE(client.exitCode(), 0);
+            } else {
+                QVERIFY(SingleInstance::send(command, activation));
+            }
+            QTRY_COMPARE(received.count(), 1);
+            QCOMPARE(received.first().at(0).value<InstanceCommand>(), command);
+            QCOMPARE(received.first().at(1).value<Activation>(), activation);
+            received.clear();
+        }
+        // What went with one command does not stick to the next.
+        QVERIFY(SingleInstance::send(InstanceCommand::PopUpMenu));
+        QTRY_COMPARE(received.count(), 1);
+        QCOMPARE(received.first().at(1).value<Activation>(), Activation());
+        received.clear();
+
+        if (onBus) {
+            // A name that is no command is refused, and nothing happens.
+            QProcess client;
+            client.start(QStringLiteral("gdbus"),
+                         {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("--dest"),
+                          QStringLiteral("app.quillon.Quillon"), QStringLiteral("--object-path"),
+                          QStringLiteral("/app/quillon/Quillon"), QStringLiteral("--method"),
+                          QStringLiteral("org.freedesktop.Application.ActivateAction"), QStringLiteral("Quit"),
+                          QStringLiteral("[]"), QStringLiteral("{}")});
+            QTRY_COMPARE(client.state(), QProcess::NotRunning);
+            QVERIFY(client.exitCode() != 0);
+            QTest::qWait(50);
+            QCOMPARE(received.count(), 0);
+        }
+    }
+
+    void theTokenIsOfferedOnlyWhileTheCommandRuns()
+    {
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+        {
+            const ActivationScope scope(Activation{QStringLiteral("abc"), {}});
+            QCOMPARE(qEnvironmentVariable("XDG_ACTIVATION_TOKEN"), QStringLiteral("abc"));
+        }
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+        // Started with a token that no window used: not offered later either.
+        qputenv("XDG_ACTIVATION_TOKEN", "stale");
+        {
+            const ActivationScope scope(Activation{});
+        }
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
     }
 
     void nothingAnswersWhenNothingRuns()
@@ -92,5 +166,15 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestInstance)
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList arguments = app.arguments();
+    if (arguments.size() == 3 && arguments.at(1) == clientArgument) {
+        const auto command = enumFromString<InstanceCommand>(arguments.at(2));
+        return command && SingleInstance::send(*command, Activation::fromEnvironment()) ? 0 : 1;
+    }
+    TestInstance test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "test_instance.moc"

@@ -70,10 +70,13 @@ grep -q 'quillmark-writer.desktop' "$XDG_CONFIG_HOME/Quillon/Quillon.conf" || fa
 # Escape closes; so does the command a second time.
 "$quillon" --toggle-search
 wait_for panel_shown || fail "the panel did not show again"
-# A broad query fills several groups; the list stops growing at its cap.
+# A broad query fills several groups; the list stops growing at its cap,
+# and the window stays on the 800 px screen.
 xdotool type --delay 40 se
 sleep 0.5
 shot searchpanel-many
+eval "$(xdotool getwindowgeometry --shell "$(panel_window)")"
+[ $((Y + HEIGHT)) -le 800 ] || fail "the panel runs off the screen: $Y + $HEIGHT"
 xdotool key Escape
 wait_for '! panel_shown' || fail "Escape did not close the panel"
 "$quillon" --toggle-search

@@ -8,11 +8,17 @@
 #include "search/searchpanel.h"
 #include "search/searchpanelcontroller.h"
 #include "search/searchpanelmodel.h"
+#include "search/searchpanelnotice.h"
+#include "search/searchpanelrows.h"
 #include "search/searchpanelview.h"
+#include "sources/menutoplevel.h"
 #include "sources/shortcutlibrary.h"
 
+#include <QClipboard>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QPushButton>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -23,6 +29,36 @@ namespace {
 QUrl appURL(const QString &name)
 {
     return QUrl::fromLocalFile(QStringLiteral("/apps/%1.desktop").arg(name));
+}
+
+// A menu level as a person reads it: "Title ›" for a submenu, "Title!" for a
+// command, "---" for a line, "[Title]" for a heading.
+QStringList described(const MenuEntries &entries)
+{
+    QStringList lines;
+    for (const MenuEntry &entry : entries) {
+        lines.append(std::visit(
+            [](const auto &item) -> QString {
+                using T = std::decay_t<decltype(item)>;
+                if constexpr (std::is_same_v<T, OpenableEntry>)
+                    return item.enabled ? item.title : item.title + QStringLiteral(" (disabled)");
+                else if constexpr (std::is_same_v<T, SubmenuEntry>)
+                    return item.title + QStringLiteral(" \u203a");
+                else if constexpr (std::is_same_v<T, SectionEntry>)
+                    return QLatin1Char('[') + item.title + QLatin1Char(']');
+                else if constexpr (std::is_same_v<T, SeparatorEntry>)
+                    return QStringLiteral("---");
+                else
+                    return item.title + QLatin1Char('!');
+            },
+            static_cast<const MenuEntry::variant &>(entry)));
+    }
+    return lines;
+}
+
+QString entryTitle(const MenuEntry &entry)
+{
+    return described({entry}).first();
 }
 
 } // namespace
@@ -53,6 +89,27 @@ private:
 
     QLineEdit *field() const { return m_controller->view()->field(); }
     QUrl selection() const { return m_controller->model()->selection().value_or(QUrl()); }
+    const MenuBrowser &browser() const { return *m_controller->model()->browser(); }
+    QString selectedEntry() const { return entryTitle(browser().entries().at(browser().selected().value())); }
+
+    // Applications as a submenu, settings inline, shortcuts hidden, a line,
+    // the recents as a submenu and a folder that is gone.
+    void layOutMenu()
+    {
+        m_store->setStyle(SourceStyle::Inline, MenuSource::systemSettings());
+        m_store->setStyle(SourceStyle::Hidden, MenuSource::shortcuts());
+        m_store->addSeparator();
+        m_store->move({MenuSource::separator(m_store->separators().first())}, MenuSource::recents());
+        m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("vanished/"))));
+    }
+
+    QString recentsTitle() { return sources().title(MenuSource::recents()); }
+
+    QStringList menuShown() const
+    {
+        QStringList lines{browser().path().join(QLatin1Char('/'))};
+        return lines + described(browser().entries());
+    }
 
 private Q_SLOTS:
     void initTestCase()
@@ -202,23 +259,233 @@ private Q_SLOTS:
         m_controller->show();
         SearchPanel *panel = m_controller->panel();
         const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        const SearchPanelGeometry geometry = searchPanelGeometry(screen, 680, panel->margin(), 73, 460);
         const QRect empty = panel->bodyGeometry();
-        QCOMPARE(empty.topLeft(), searchPanelOrigin(screen, 680));
+        QCOMPARE(empty.topLeft(), geometry.bodyTopLeft);
         QCOMPARE(empty.size(), QSize(680, 72));
 
-        // Grows with the results, the list no taller than its cap.
+        // Grows with the results, the list no taller than its cap here.
         QTest::keyClicks(field(), QStringLiteral("atlas"));
         QCOMPARE(m_controller->model()->results().size(), 12);
         QCOMPARE(panel->bodyGeometry().top(), empty.top());
-        QCOMPARE(panel->bodyGeometry().height(), 72 + 1 + 460);
+        QCOMPARE(panel->bodyGeometry().height(), 72 + 1 + geometry.maxResultsHeight);
+        QVERIFY(panel->geometry().bottom() <= screen.bottom());
 
         QTest::keyClicks(field(), QStringLiteral(" 13"));
         const QRect one = panel->bodyGeometry();
         QCOMPARE(one.topLeft(), empty.topLeft());
-        QVERIFY(one.height() > 72 && one.height() < 72 + 1 + 460);
+        QVERIFY(one.height() > 72 && one.height() < 72 + 1 + geometry.maxResultsHeight);
 
         field()->clear();
         QCOMPARE(panel->bodyGeometry(), empty);
+    }
+
+    void thePanelStaysOnTheScreen_data()
+    {
+        QTest::addColumn<QRect>("screen");
+        QTest::addColumn<int>("fixedHeight");
+        QTest::newRow("laptop") << QRect(0, 0, 1280, 800) << 73;
+        QTest::newRow("laptop, with a notice") << QRect(0, 0, 1280, 800) << 73 + 150;
+        QTest::newRow("small") << QRect(0, 0, 800, 600) << 73;
+        QTest::newRow("wide and low, right of another") << QRect(1280, 30, 1024, 400) << 73;
+        QTest::newRow("tiny, with a notice") << QRect(0, 0, 640, 260) << 73 + 100;
+        QTest::newRow("above another") << QRect(0, -1080, 1920, 1080) << 73;
+    }
+
+    void thePanelStaysOnTheScreen()
+    {
+        QFETCH(QRect, screen);
+        QFETCH(int, fixedHeight);
+        constexpr int margin = 28;
+        const SearchPanelGeometry geometry = searchPanelGeometry(screen, 680, margin, fixedHeight, 460);
+        QVERIFY(geometry.maxResultsHeight >= 0 && geometry.maxResultsHeight <= 460);
+        const QRect tallest(geometry.bodyTopLeft, QSize(680, fixedHeight + geometry.maxResultsHeight));
+        QVERIFY2(tallest.top() >= screen.top() + margin, qPrintable(QString::number(tallest.top())));
+        QVERIFY2(tallest.bottom() + margin <= screen.bottom(), qPrintable(QString::number(tallest.bottom())));
+        QCOMPARE(tallest.center().x(), screen.center().x());
+        // Where there is room, a fifth of the way down as ever, and a list
+        // of at least three rows.
+        if (screen.height() >= 600) {
+            QCOMPARE(tallest.top(), screen.top() + screen.height() / 5);
+            QVERIFY(geometry.maxResultsHeight >= 3 * SearchPanelDelegate::rowHeight);
+        }
+        if (screen.height() == 800 && fixedHeight == 73)
+            QCOMPARE(geometry.maxResultsHeight, 460);
+    }
+
+    void aReservedWindowKeepsItsSizeAsTheBodyGrows()
+    {
+        // As on Wayland: the compositor places the window once, by its size.
+        SearchPanel panel(true);
+        panel.reserveBodyHeight(73 + 300);
+        panel.resizeBody(QSize(680, 72));
+        const QSize window = panel.size();
+        QCOMPARE(window, QSize(680 + 2 * panel.margin(), 73 + 300 + 2 * panel.margin()));
+        QCOMPARE(panel.bodyRect(), QRect(panel.margin(), panel.margin(), 680, 72));
+        panel.resizeBody(QSize(680, 72 + 1 + 200));
+        QCOMPARE(panel.size(), window);
+        QCOMPARE(panel.bodyRect().top(), panel.margin());
+        QCOMPARE(panel.bodyRect().height(), 273);
+        // Only the body and its shadow take clicks.
+        QCOMPARE(panel.windowHandle()->mask(), QRegion(0, 0, window.width(), 273 + 2 * panel.margin()));
+    }
+
+    void theMenuTopLevelFollowsTheLayout()
+    {
+        layOutMenu();
+        const QString apps = sources().title(MenuSource::applications());
+        const QString recents = sources().title(MenuSource::recents());
+        QCOMPARE(described(menuTopLevel(sources())),
+                 (QStringList{apps + QStringLiteral(" \u203a"), QStringLiteral("---"), QStringLiteral("Notifications"),
+                              QStringLiteral("Network"), QStringLiteral("---"), recents + QStringLiteral(" \u203a"),
+                              QStringLiteral("vanished (disabled)")}));
+        // Nothing was read for the submenus yet.
+        QCOMPARE(m_scans, 0);
+
+        // Everything hidden: nothing, not even a line.
+        for (const auto &entry : m_store->layout())
+            m_store->setStyle(SourceStyle::Hidden, entry.source);
+        m_store->setStyle(SourceStyle::Inline, MenuSource::separator(m_store->separators().first()));
+        QVERIFY(menuTopLevel(sources()).isEmpty());
+    }
+
+    void browsingTheMenuWithTheKeyboard()
+    {
+        layOutMenu();
+        int quits = 0;
+        m_controller->showMenu({CommandEntry{QStringLiteral("Settings…"), [] {}},
+                                CommandEntry{QStringLiteral("Quit Quillon"), [&quits] { ++quits; }}});
+        const QString apps = sources().title(MenuSource::applications());
+        QVERIFY(m_controller->model()->isBrowsing());
+        QCOMPARE(menuShown().mid(0, 2), (QStringList{QStringLiteral("Quillon"), apps + QStringLiteral(" \u203a")}));
+        QCOMPARE(menuShown().mid(8),
+                 (QStringList{QStringLiteral("---"), QStringLiteral("Settings…!"), QStringLiteral("Quit Quillon!")}));
+        QCOMPARE(selectedEntry(), apps + QStringLiteral(" \u203a"));
+        // The list shows where this is, then the entries.
+        QListView *list = m_controller->view()->results();
+        QCOMPARE(list->model()->index(0, 0).data().toString(), QStringLiteral("Quillon"));
+        QCOMPARE(list->model()->index(1, 0).data(SearchPanelRows::IsSelectedRole).toBool(), true);
+
+        // Into the applications, filled now and only once.
+        QTest::keyClick(field(), Qt::Key_Right);
+        QCOMPARE(m_scans, 1);
+        QCOMPARE(browser().path(), (QStringList{QStringLiteral("Quillon"), apps}));
+        QCOMPARE(list->model()->index(0, 0).data().toString(), QStringLiteral("Quillon  \u203a  ") + apps);
+        const QString firstApp = selectedEntry();
+        QTest::keyClick(field(), Qt::Key_Down);
+        const QString secondApp = selectedEntry();
+        QVERIFY(secondApp != firstApp);
+        QTest::keyClick(field(), Qt::Key_Left);
+        QCOMPARE(browser().depth(), 0);
+        QCOMPARE(selectedEntry(), apps + QStringLiteral(" \u203a"));
+        QTest::keyClick(field(), Qt::Key_Return);
+        QCOMPARE(m_scans, 1);
+        QCOMPARE(selectedEntry(), secondApp); // where it was left
+        QTest::keyClick(field(), Qt::Key_Backspace);
+        QCOMPARE(browser().depth(), 0);
+        // Left at the top stays there; Down skips the line and the disabled
+        // folder, and stops at the last command.
+        QTest::keyClick(field(), Qt::Key_Left);
+        QVERIFY(m_controller->isShown());
+        for (int i = 0; i < 9; ++i)
+            QTest::keyClick(field(), Qt::Key_Down);
+        QCOMPARE(selectedEntry(), QStringLiteral("Quit Quillon!"));
+        QTest::keyClick(field(), Qt::Key_Up);
+        QTest::keyClick(field(), Qt::Key_Up);
+        QCOMPARE(selectedEntry(), recentsTitle() + QStringLiteral(" \u203a"));
+
+        // Typing searches; emptying the field comes back to the menu.
+        QTest::keyClicks(field(), QStringLiteral("nu"));
+        QVERIFY(!m_controller->model()->isBrowsing());
+        QCOMPARE(selection(), appURL(QStringLiteral("Numbers")));
+        QTest::keyClick(field(), Qt::Key_Backspace);
+        QTest::keyClick(field(), Qt::Key_Backspace);
+        QVERIFY(m_controller->model()->isBrowsing());
+        QCOMPARE(selectedEntry(), recentsTitle() + QStringLiteral(" \u203a"));
+
+        // A command closes the panel and runs.
+        QTest::keyClick(field(), Qt::Key_Down);
+        QTest::keyClick(field(), Qt::Key_Down);
+        QTest::keyClick(field(), Qt::Key_Return);
+        QVERIFY(!m_controller->isShown());
+        QCOMPARE(quits, 1);
+        QVERIFY(m_launcher.calls.isEmpty());
+    }
+
+    void anItemOfTheMenuOpensAsASearchResultDoes()
+    {
+        layOutMenu();
+        m_controller->showMenu({});
+        QTest::keyClick(field(), Qt::Key_Return);
+        QTest::keyClick(field(), Qt::Key_Down);
+        const QUrl url = std::get<OpenableEntry>(browser().entries().at(*browser().selected())).url;
+        QTest::keyClick(field(), Qt::Key_Return);
+        QCOMPARE(m_launcher.calls,
+                 QStringList{QStringLiteral("launch %1 shown=0 recent=%2").arg(url.toLocalFile(), url.fileName())});
+    }
+
+    void browsingWithTheMouse()
+    {
+        layOutMenu();
+        m_controller->showMenu({});
+        QListView *list = m_controller->view()->results();
+        const auto click = [list](int row) {
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                              list->visualRect(list->model()->index(row, 0)).center());
+        };
+        // The path, a line and the disabled folder do nothing.
+        click(0);
+        click(2);
+        click(7);
+        QCOMPARE(browser().depth(), 0);
+        click(1);
+        QCOMPARE(browser().depth(), 1);
+        // The second click of a double click lands on an application; it
+        // opens nothing.
+        click(2);
+        QVERIFY(m_launcher.calls.isEmpty());
+        QTest::qWait(QApplication::doubleClickInterval() + 50);
+        click(2);
+        QCOMPARE(m_launcher.calls.size(), 1);
+        QVERIFY(!m_controller->isShown());
+    }
+
+    void aNoticeAboveTheField()
+    {
+        QStringList pressed;
+        m_controller->showNotice(PanelNotice{
+            QStringLiteral("No system tray is available."),
+            QStringLiteral("bindsym $mod+space exec quillon --toggle-search"),
+            {PanelAction{QStringLiteral("Add Keyboard Shortcut"),
+                         [&pressed] { pressed.append(QStringLiteral("add")); }},
+             PanelAction{QStringLiteral("Not Now"), [&pressed] { pressed.append(QStringLiteral("later")); }}}});
+        SearchPanelNotice *notice = m_controller->view()->notice();
+        QVERIFY(notice);
+        QCOMPARE(notice->message()->text(), QStringLiteral("No system tray is available."));
+        QCOMPARE(notice->message()->accessibleName(), notice->message()->text());
+        QCOMPARE(notice->copyLine()->text(), QStringLiteral("bindsym $mod+space exec quillon --toggle-search"));
+        QVERIFY(notice->copyLine()->isReadOnly());
+        QCOMPARE(notice->buttons().size(), 2);
+        QCOMPARE(notice->buttons().at(0)->accessibleName(), QStringLiteral("Add Keyboard Shortcut"));
+        QTest::mouseClick(notice->copyButton(), Qt::LeftButton);
+        QCOMPARE(QGuiApplication::clipboard()->text(), notice->copyLine()->text());
+        QTest::mouseClick(notice->buttons().at(1), Qt::LeftButton);
+        QTest::mouseClick(notice->buttons().at(0), Qt::LeftButton);
+        QCOMPARE(pressed, (QStringList{QStringLiteral("later"), QStringLiteral("add")}));
+        // Return on a button is the button's; the panel stays.
+        notice->buttons().at(1)->setFocus();
+        QTest::keyClick(notice->buttons().at(1), Qt::Key_Space);
+        QCOMPARE(pressed.size(), 3);
+        QVERIFY(m_controller->isShown());
+
+        // The field still searches under it, and the whole stays on the screen.
+        SearchPanel *panel = m_controller->panel();
+        const int top = panel->bodyGeometry().top();
+        QVERIFY(panel->bodyGeometry().height() > 72 + notice->height() - 1);
+        QTest::keyClicks(field(), QStringLiteral("atlas"));
+        QCOMPARE(m_controller->model()->results().size(), 12);
+        QCOMPARE(panel->bodyGeometry().top(), top);
+        QVERIFY(panel->geometry().bottom() <= QGuiApplication::primaryScreen()->availableGeometry().bottom());
     }
 
     void dismissals()
