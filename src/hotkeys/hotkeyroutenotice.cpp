@@ -47,7 +47,7 @@ HotKeyRouteNotice::HotKeyRouteNotice(QList<HotKeyCenter *> centers, BindingRoute
 
     auto *commands = new QGridLayout;
     commands->setContentsMargins(0, 0, 0, 0);
-    commands->setColumnStretch(1, 1);
+    commands->setColumnStretch(2, 1);
     layout->addLayout(commands);
     for (const HotKeyCenter *center : std::as_const(m_centers)) {
         const QString command = BindingRoute::command(center->number());
@@ -56,7 +56,7 @@ HotKeyRouteNotice::HotKeyRouteNotice(QList<HotKeyCenter *> centers, BindingRoute
         auto *copy = new QPushButton(tr("Copy"), this);
         copy->setAccessibleName(tr("Copy “%1”").arg(command));
         connect(copy, &QPushButton::clicked, this, [command] { QGuiApplication::clipboard()->setText(command); });
-        commands->addWidget(copy, row, 2);
+        commands->addWidget(copy, row, 1);
     }
 
     if (!m_route.configFile().isEmpty()) {
@@ -70,8 +70,9 @@ HotKeyRouteNotice::HotKeyRouteNotice(QList<HotKeyCenter *> centers, BindingRoute
             auto *copy = new QPushButton(tr("Copy"), this);
             connect(copy, &QPushButton::clicked, this, [line] { QGuiApplication::clipboard()->setText(line->text()); });
             auto *row = new QHBoxLayout;
-            row->addWidget(line, 1);
+            row->addWidget(line);
             row->addWidget(copy);
+            row->addStretch();
             layout->addLayout(row);
         }
     }
