@@ -133,6 +133,17 @@ windows
 daemon -o /component/quillon -m org.kde.kglobalaccel.Component.invokeShortcut show-search >/dev/null
 sleep 1.5
 windows
+# What System Settings does when the user gives the menu action Meta+F.
+meta_f=$((0x10000000 + 0x46))
+daemon -o /kglobalaccel -m org.kde.KGlobalAccel.setForeignShortcutKeys \
+  "['quillon', 'show-menu', 'Quillon', 'Show Menu at Mouse']" "[([$meta_f, 0, 0, 0],)]" >/dev/null
+for _ in $(seq 1 20); do
+  grep -q "^MenuHotKeyKeyCode=70$" "$XDG_CONFIG_HOME/Quillon/Quillon.conf" && break
+  sleep 0.2
+done
+grep -q "^MenuHotKeyKeyCode=70$" "$XDG_CONFIG_HOME/Quillon/Quillon.conf" \
+  || fail "the key set in System Settings was not saved: $(grep MenuHotKey "$XDG_CONFIG_HOME/Quillon/Quillon.conf")"
+step "saved after the change in System Settings: $(grep "^MenuHotKey" "$XDG_CONFIG_HOME/Quillon/Quillon.conf" | tr '\n' ' ')"
 step done
 kill "$quillon"
 wait "$quillon" 2>/dev/null
