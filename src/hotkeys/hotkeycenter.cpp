@@ -33,9 +33,11 @@ HotKeyRegistration HotKeyCenter::registerHotKey(quint32 keyCode, quint32 modifie
     unregister();
     const HotKeyGrab grab = m_backend.grab(keyCode, modifiers, m_number);
     if (const auto *refusal = std::get_if<HotKeyRefusal>(&grab)) {
+        m_wanted = HotKeyCombination{keyCode, modifiers, display};
         setStatus(*refusal);
         return {*refusal};
     }
+    m_wanted.reset();
     m_handle = std::get<HotKeyHandle>(grab);
     persist({keyCode, modifiers, display});
     if (m_backend.settlesLater())
@@ -52,6 +54,7 @@ void HotKeyCenter::clear()
     m_preferences.remove(keyCodeKey());
     m_preferences.remove(modifiersKey());
     m_preferences.remove(displayKey());
+    m_wanted.reset();
     setStatus(HotKeyUnset{});
 }
 

@@ -62,6 +62,10 @@ public:
     void restore();
     // The saved combination.
     std::optional<HotKeyCombination> current() const;
+    // What the user asked for last, saved or not: a combination the session
+    // could not bind at all is still the one to bind in the desktop's own
+    // settings.
+    std::optional<HotKeyCombination> wanted() const { return m_wanted ? m_wanted : current(); }
     bool isRegistered() const { return std::holds_alternative<HotKeyBound>(m_status); }
     HotKeyStatus status() const { return m_status; }
     bool isAvailable() const { return m_backend.isAvailable(); }
@@ -90,6 +94,7 @@ private:
     HotKeyBackend &m_backend;
     std::optional<HotKeyHandle> m_handle;
     HotKeyStatus m_status;
+    std::optional<HotKeyCombination> m_wanted;
     std::function<void()> m_action;
 };
 

@@ -134,10 +134,10 @@ QString HotKeyRouteNotice::explanationText() const
     return refusal + u' ' + tr("Bind these commands to keys in the desktop’s own keyboard settings:");
 }
 
-// The saved combination, or a suggestion when none is saved.
+// The combination the user chose, or a suggestion when there is none.
 HotKeyCombination HotKeyRouteNotice::keysFor(const HotKeyCenter &center) const
 {
-    return center.current().value_or(BindingRoute::suggestedCombination(center.number()));
+    return center.wanted().value_or(BindingRoute::suggestedCombination(center.number()));
 }
 
 void HotKeyRouteNotice::addToGnome()
