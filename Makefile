@@ -1,11 +1,12 @@
 # Two commands do all set-up on a fresh machine:
 #   make run   builds Quillon and starts it (under Xvfb with a tray host when there is no display)
 #   make test  builds with warnings as errors and runs every test
+#   make test-kde  checks the hot keys on KWin with Plasma's shortcut daemon (installs KWin as root)
 JOBS ?= $(shell nproc)
 RELEASE_DIR := build/release
 DEBUG_DIR := build/debug
 
-.PHONY: run test deps build-release build-debug bench clean
+.PHONY: run test test-kde deps build-release build-debug bench clean
 
 deps:
 	@bash scripts/install-deps
@@ -23,6 +24,11 @@ run: build-release
 
 test: build-debug
 	ctest --test-dir $(DEBUG_DIR) --output-on-failure -j $(JOBS)
+
+test-kde: deps
+	cmake -S . -B $(DEBUG_DIR) -DCMAKE_BUILD_TYPE=Debug -DQUILLON_WERROR=ON
+	cmake --build $(DEBUG_DIR) -j $(JOBS) --target quillon
+	bash tests/e2e/kde-hotkeys.sh $(DEBUG_DIR)/bin/quillon $(DEBUG_DIR)/tests/artifacts/kde-hotkeys
 
 bench: deps
 	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DQUILLON_BUILD_TESTS=OFF

@@ -14,6 +14,12 @@ HotKeyCenter::HotKeyCenter(const QString &prefix, quint32 number, Preferences &p
     // Queued: the press arrives inside the desktop's event dispatch, and an
     // action may open windows or menus of its own.
     connect(&m_backend, &HotKeyBackend::activated, this, &HotKeyCenter::pressed, Qt::QueuedConnection);
+    connect(&m_backend, &HotKeyBackend::bound, this,
+            [this](HotKeyHandle handle, const QString &description) { settled(handle, HotKeyBound{description}); });
+    connect(&m_backend, &HotKeyBackend::refused, this,
+            [this](HotKeyHandle handle, HotKeyRefusal refusal) { settled(handle, refusal); });
+    connect(&m_backend, &HotKeyBackend::rebound, this, &HotKeyCenter::rebound);
+    connect(&m_backend, &HotKeyBackend::availabilityChanged, this, &HotKeyCenter::statusChanged);
 }
 
 HotKeyCenter::~HotKeyCenter()
@@ -26,12 +32,18 @@ HotKeyRegistration HotKeyCenter::registerHotKey(quint32 keyCode, quint32 modifie
     QUILLON_ASSERT_MAIN_THREAD();
     unregister();
     const HotKeyGrab grab = m_backend.grab(keyCode, modifiers, m_number);
-    if (const auto *refusal = std::get_if<HotKeyRefusal>(&grab))
+    if (const auto *refusal = std::get_if<HotKeyRefusal>(&grab)) {
+        m_wanted = HotKeyCombination{keyCode, modifiers, display};
+        setStatus(*refusal);
         return {*refusal};
+    }
+    m_wanted.reset();
     m_handle = std::get<HotKeyHandle>(grab);
-    m_preferences.setValue(keyCodeKey(), keyCode);
-    m_preferences.setValue(modifiersKey(), modifiers);
-    m_preferences.setValue(displayKey(), display);
+    persist({keyCode, modifiers, display});
+    if (m_backend.settlesLater())
+        setStatus(HotKeyPending{});
+    else
+        setStatus(HotKeyBound{display});
     return {};
 }
 
@@ -42,6 +54,14 @@ void HotKeyCenter::clear()
     m_preferences.remove(keyCodeKey());
     m_preferences.remove(modifiersKey());
     m_preferences.remove(displayKey());
+    m_wanted.reset();
+    setStatus(HotKeyUnset{});
+}
+
+bool HotKeyCenter::needsDesktopRoute() const
+{
+    const auto *refusal = std::get_if<HotKeyRefusal>(&m_status);
+    return !m_backend.isAvailable() || (refusal && *refusal == HotKeyRefusal::Unavailable);
 }
 
 void HotKeyCenter::restore()
@@ -73,6 +93,43 @@ void HotKeyCenter::unregister()
         m_backend.release(*m_handle);
         m_handle.reset();
     }
+}
+
+void HotKeyCenter::setStatus(const HotKeyStatus &status)
+{
+    if (status == m_status)
+        return;
+    m_status = status;
+    Q_EMIT statusChanged();
+}
+
+// Only the answer about the current handle counts: an older one may still
+// arrive after its combination was replaced.
+void HotKeyCenter::settled(HotKeyHandle handle, const HotKeyStatus &status)
+{
+    if (m_handle == handle)
+        setStatus(status);
+}
+
+// The user changed the keys in the desktop's settings: those are the keys now.
+void HotKeyCenter::rebound(quint32 id, const std::optional<HotKeyCombination> &combination)
+{
+    if (id != m_number || !m_handle)
+        return;
+    if (combination) {
+        persist(*combination);
+        m_status = HotKeyBound{combination->display};
+        Q_EMIT statusChanged();
+    } else {
+        clear();
+    }
+}
+
+void HotKeyCenter::persist(const HotKeyCombination &combination)
+{
+    m_preferences.setValue(keyCodeKey(), combination.keyCode);
+    m_preferences.setValue(modifiersKey(), combination.modifiers);
+    m_preferences.setValue(displayKey(), combination.display);
 }
 
 void HotKeyCenter::pressed(quint32 id)

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <variant>
 
 class Preferences;
 
@@ -17,6 +18,21 @@ struct HotKeyRegistration {
     explicit operator bool() const { return !refusal; }
     bool operator==(const HotKeyRegistration &) const = default;
 };
+
+// Where a centre's combination stands with the desktop: none saved; asked
+// for and not yet answered; bound, as the desktop describes the keys; or
+// refused.
+struct HotKeyUnset {
+    bool operator==(const HotKeyUnset &) const = default;
+};
+struct HotKeyPending {
+    bool operator==(const HotKeyPending &) const = default;
+};
+struct HotKeyBound {
+    QString description;
+    bool operator==(const HotKeyBound &) const = default;
+};
+using HotKeyStatus = std::variant<HotKeyUnset, HotKeyPending, HotKeyBound, HotKeyRefusal>;
 
 // One system-wide shortcut: registers its combination with the desktop,
 // remembers it in the preferences under <prefix>KeyCode, <prefix>Modifiers
@@ -37,6 +53,8 @@ public:
 
     // Installs (or replaces) the combination and persists it. On a refusal
     // the previous combination is gone from the desktop but stays saved.
+    // Where the desktop answers later, success means "asked": status() and
+    // statusChanged() tell what the desktop made of it.
     HotKeyRegistration registerHotKey(quint32 keyCode, quint32 modifiers, const QString &display);
     // Unregisters and forgets the saved combination.
     void clear();
@@ -44,20 +62,39 @@ public:
     void restore();
     // The saved combination.
     std::optional<HotKeyCombination> current() const;
-    bool isRegistered() const { return m_handle.has_value(); }
+    // What the user asked for last, saved or not: a combination the session
+    // could not bind at all is still the one to bind in the desktop's own
+    // settings.
+    std::optional<HotKeyCombination> wanted() const { return m_wanted ? m_wanted : current(); }
+    bool isRegistered() const { return std::holds_alternative<HotKeyBound>(m_status); }
+    HotKeyStatus status() const { return m_status; }
     bool isAvailable() const { return m_backend.isAvailable(); }
+    // True when the user has to bind Quillon's command in the desktop's own
+    // settings: the session offers programs no global shortcuts, or it
+    // would not bind this one.
+    bool needsDesktopRoute() const;
 
     void setAction(std::function<void()> action) { m_action = std::move(action); }
 
+Q_SIGNALS:
+    // status(), isAvailable() or the saved combination changed.
+    void statusChanged();
+
 private:
     void unregister();
+    void setStatus(const HotKeyStatus &status);
     void pressed(quint32 id);
+    void settled(HotKeyHandle handle, const HotKeyStatus &status);
+    void rebound(quint32 id, const std::optional<HotKeyCombination> &combination);
+    void persist(const HotKeyCombination &combination);
 
     QString m_prefix;
     quint32 m_number;
     Preferences &m_preferences;
     HotKeyBackend &m_backend;
     std::optional<HotKeyHandle> m_handle;
+    HotKeyStatus m_status;
+    std::optional<HotKeyCombination> m_wanted;
     std::function<void()> m_action;
 };
 

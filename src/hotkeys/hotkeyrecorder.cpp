@@ -1,10 +1,7 @@
 #include "hotkeys/hotkeyrecorder.h"
 
 #include "catalog/systemstrings.h"
-#include "hotkeys/accelerators.h"
 #include "hotkeys/desktopshortcuts.h"
-#include "hotkeys/gnomeshortcuts.h"
-#include "sources/xdgdirs.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -16,33 +13,19 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-namespace {
-
-bool onGnome()
+HotKeyRecorder::HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> others, const QString &, QWidget *parent)
+    : HotKeyRecorder(center, std::move(others), parent)
 {
-    for (const QString &desktop : currentDesktops()) {
-        if (desktop.compare(QLatin1String("GNOME"), Qt::CaseInsensitive) == 0)
-            return true;
-    }
-    return false;
 }
 
-} // namespace
-
-HotKeyRecorder::HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> others, const QString &command,
-                               QWidget *parent)
+HotKeyRecorder::HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> others, QWidget *parent)
     : QWidget(parent)
     , m_model(center, std::move(others), SystemStrings::shared().text(SystemString::Space), &desktopShortcuts)
-    , m_command(command)
     , m_button(new QPushButton(this))
     , m_clear(new QToolButton(this))
     , m_warning(new QLabel(SystemStrings::shared().text(SystemString::ShortcutInUse), this))
-    , m_hint(new QLabel(this))
-    , m_addToDesktop(new QPushButton(tr("Add to GNOME Keyboard Shortcuts"), this))
-    , m_removeFromDesktop(new QPushButton(tr("Remove from GNOME Keyboard Shortcuts"), this))
+    , m_status(new QLabel(this))
 {
-    m_addToDesktop->setObjectName(QStringLiteral("addToDesktop"));
-    m_removeFromDesktop->setObjectName(QStringLiteral("removeFromDesktop"));
     m_button->setMinimumWidth(160);
     m_button->installEventFilter(this);
     m_clear->setIcon(
@@ -50,30 +33,22 @@ HotKeyRecorder::HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> other
     m_clear->setAutoRaise(true);
     m_clear->setToolTip(SystemStrings::shared().text(SystemString::RemoveShortcut));
     m_warning->setStyleSheet(QStringLiteral("color: #c01c28;"));
-    m_hint->setWordWrap(true);
-    m_hint->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_status->setWordWrap(true);
+    m_status->setForegroundRole(QPalette::PlaceholderText);
 
     auto *row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_button);
     row->addWidget(m_clear);
     row->addStretch();
-    auto *offer = new QHBoxLayout;
-    offer->setContentsMargins(0, 0, 0, 0);
-    offer->addWidget(m_addToDesktop);
-    offer->addWidget(m_removeFromDesktop);
-    offer->addStretch();
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(row);
     layout->addWidget(m_warning);
-    layout->addWidget(m_hint);
-    layout->addLayout(offer);
+    layout->addWidget(m_status);
 
     connect(m_button, &QPushButton::clicked, this, &HotKeyRecorder::toggleRecording);
     connect(m_clear, &QToolButton::clicked, &m_model, &HotKeyRecorderModel::clear);
-    connect(m_addToDesktop, &QPushButton::clicked, this, &HotKeyRecorder::addToDesktop);
-    connect(m_removeFromDesktop, &QPushButton::clicked, this, &HotKeyRecorder::removeFromDesktop);
     connect(&m_model, &HotKeyRecorderModel::changed, this, &HotKeyRecorder::refresh);
     refresh();
 }
@@ -140,46 +115,25 @@ void HotKeyRecorder::refresh()
     m_button->setDown(m_model.isRecording());
     m_clear->setVisible(!m_model.display().isEmpty());
     m_warning->setVisible(m_model.isTaken());
-    updateDesktopOffer();
+    const QString status = statusText();
+    m_status->setText(status);
+    m_status->setVisible(!status.isEmpty());
 }
 
-void HotKeyRecorder::updateDesktopOffer()
+// Said only when the keys do not simply work as shown.
+QString HotKeyRecorder::statusText() const
 {
-    const bool needed = m_model.unbound().has_value() || !m_model.hotKey().isAvailable();
-    const bool gnome = needed && onGnome() && GnomeShortcuts::canAddCustom();
-    const auto bound = gnome ? GnomeShortcuts::customBinding(m_command) : std::nullopt;
-    const auto boundKeys = bound ? fromGtkAccelerator(*bound) : std::nullopt;
-    if (!needed)
-        m_hint->clear();
-    else if (bound)
-        m_hint->setText(
-            tr("GNOME runs “%1” on %2.")
-                .arg(m_command, boundKeys ? m_model.displayText(boundKeys->keyCode, boundKeys->modifiers) : *bound));
-    else if (gnome)
-        m_hint->setText(
-            tr("This session does not let programs set global shortcuts. GNOME can run “%1” for you.").arg(m_command));
-    else
-        m_hint->setText(tr("This session does not let programs set global shortcuts. Bind “%1” to a key in "
-                           "your desktop’s keyboard settings.")
-                            .arg(m_command));
-    m_hint->setVisible(needed);
-    const auto unbound = m_model.unbound();
-    m_addToDesktop->setVisible(gnome && unbound && !(boundKeys && boundKeys->sameKeys(*unbound)));
-    m_removeFromDesktop->setVisible(bound.has_value());
-}
-
-void HotKeyRecorder::addToDesktop()
-{
-    const auto combination = m_model.unbound();
-    if (!combination)
-        return;
-    GnomeShortcuts::addCustom(QStringLiteral("Quillon: ") + combination->display, m_command, combination->keyCode,
-                              combination->modifiers);
-    updateDesktopOffer();
-}
-
-void HotKeyRecorder::removeFromDesktop()
-{
-    GnomeShortcuts::removeCustom(m_command);
-    updateDesktopOffer();
+    if (m_model.isRecording() || m_model.display().isEmpty())
+        return {};
+    const HotKeyStatus status = m_model.hotKey().status();
+    if (std::holds_alternative<HotKeyPending>(status))
+        return tr("Waiting for the desktop to bind it…");
+    if (const auto *bound = std::get_if<HotKeyBound>(&status)) {
+        return bound->description == m_model.display() || bound->description.isEmpty()
+                   ? QString()
+                   : tr("The desktop binds it as %1.").arg(bound->description);
+    }
+    if (const auto *refusal = std::get_if<HotKeyRefusal>(&status); refusal && *refusal != HotKeyRefusal::Taken)
+        return tr("Not bound: the desktop did not accept it.");
+    return {};
 }

@@ -10,15 +10,15 @@ class QToolButton;
 
 // The settings control of one hot key: a button that shows the combination
 // and records a new one when clicked, a button that removes it, and what
-// went wrong with the last attempt. Where the session lets no program
-// have global shortcuts, it offers the desktop's own keyboard settings.
+// the desktop made of it: bound, still asked, or refused. (How to bind the
+// command where the desktop refuses is HotKeyRouteNotice's.)
 class HotKeyRecorder : public QWidget
 {
     Q_OBJECT
 
 public:
-    // command: what the desktop should run for this hot key when Quillon
-    // cannot register it itself ("quillon --toggle-search").
+    HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> others, QWidget *parent = nullptr);
+    // The command argument is no longer used: the route notice names it.
     HotKeyRecorder(HotKeyCenter &center, QList<HotKeyCenter *> others, const QString &command,
                    QWidget *parent = nullptr);
     ~HotKeyRecorder() override;
@@ -27,6 +27,8 @@ public:
     QPushButton *recordButton() const { return m_button; }
     QToolButton *clearButton() const { return m_clear; }
     QLabel *warning() const { return m_warning; }
+    // What the desktop made of the combination, when there is something to say.
+    QLabel *status() const { return m_status; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -35,16 +37,11 @@ protected:
 private:
     void toggleRecording();
     void refresh();
-    void updateDesktopOffer();
-    void addToDesktop();
-    void removeFromDesktop();
+    QString statusText() const;
 
     HotKeyRecorderModel m_model;
-    QString m_command;
     QPushButton *m_button;
     QToolButton *m_clear;
     QLabel *m_warning;
-    QLabel *m_hint;
-    QPushButton *m_addToDesktop;
-    QPushButton *m_removeFromDesktop;
+    QLabel *m_status;
 };

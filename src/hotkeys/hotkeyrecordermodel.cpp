@@ -41,6 +41,19 @@ HotKeyRecorderModel::HotKeyRecorderModel(HotKeyCenter &center, QList<HotKeyCente
 {
     if (const auto saved = m_center.current())
         m_display = saved->display;
+    // The desktop may answer later, or the user may change the keys in the
+    // desktop's own settings.
+    connect(&m_center, &HotKeyCenter::statusChanged, this, [this] {
+        // Changes this model makes itself are told by the model.
+        if (m_changingCenter)
+            return;
+        const HotKeyStatus status = m_center.status();
+        if (const auto *refusal = std::get_if<HotKeyRefusal>(&status); refusal && *refusal == HotKeyRefusal::Taken)
+            m_taken = true;
+        const auto saved = m_center.current();
+        m_display = saved ? saved->display : QString();
+        Q_EMIT changed();
+    });
 }
 
 void HotKeyRecorderModel::startRecording()
@@ -62,7 +75,9 @@ void HotKeyRecorderModel::stopRecording()
 void HotKeyRecorderModel::clear()
 {
     QUILLON_ASSERT_MAIN_THREAD();
+    m_changingCenter = true;
     m_center.clear();
+    m_changingCenter = false;
     m_display.clear();
     m_taken = false;
     m_unbound.reset();
@@ -95,8 +110,10 @@ HotKeyRecorderModel::KeyOutcome HotKeyRecorderModel::handleKey(int key, Qt::Keyb
         Q_EMIT changed();
         return KeyOutcome::Taken;
     }
+    m_changingCenter = true;
     const HotKeyRegistration registration =
         m_center.registerHotKey(combination.keyCode, combination.modifiers, combination.display);
+    m_changingCenter = false;
     if (registration) {
         m_display = combination.display;
         m_taken = false;

@@ -62,4 +62,5 @@ private:
     QString m_display;
     bool m_taken = false;
     std::optional<HotKeyCombination> m_unbound;
+    bool m_changingCenter = false;
 };

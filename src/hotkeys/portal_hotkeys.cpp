@@ -75,7 +75,7 @@ PortalHotKeys::PortalHotKeys(const QDBusConnection &bus)
     connect(m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
         m_session.clear();
         m_binding = false;
-        m_state = State::Unknown;
+        setState(State::Unknown);
     });
     m_bus.connect(QString::fromLatin1(service), QString::fromLatin1(path), QString::fromLatin1(interface),
                   QStringLiteral("Activated"), this, SLOT(shortcutActivated(QDBusMessage)));
@@ -95,6 +95,10 @@ HotKeyGrab PortalHotKeys::grab(quint32 keyCode, quint32 modifiers, quint32 id)
     const HotKeyHandle handle = m_nextHandle++;
     m_shortcuts.emplace(handle, Shortcut{id, trigger(keyCode, modifiers)});
     scheduleBind();
+    if (m_state == State::Absent) {
+        QMetaObject::invokeMethod(
+            this, [this, handle] { refuseAll({handle}, HotKeyRefusal::Unavailable); }, Qt::QueuedConnection);
+    }
     return handle;
 }
 
@@ -134,16 +138,42 @@ void PortalHotKeys::probe()
     auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(get), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
         call->deleteLater();
+        // Portals without this interface (GNOME before 48, wlroots) answer
+        // with an error. With no portal at all nothing is bound either, but
+        // the combinations wait for one to start.
         const QString error = call->error().name();
-        // No portal yet: it may still start, and the watcher will see it.
+        if (call->isError())
+            qCInfo(lcHotKeys, "No GlobalShortcuts portal: %s", qPrintable(call->error().message()));
         if (error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown")
             || error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner"))
-            return;
-        // Portals without this interface (GNOME before 48) answer with an error.
-        m_state = call->isError() ? State::Missing : State::Present;
+            setState(State::Absent);
+        else
+            setState(call->isError() ? State::Missing : State::Present);
         if (m_state == State::Present && !m_shortcuts.empty())
             scheduleBind();
     });
+}
+
+void PortalHotKeys::setState(State state)
+{
+    const bool wasAvailable = isAvailable();
+    m_state = state;
+    if (state == State::Absent || state == State::Missing) {
+        QList<HotKeyHandle> handles;
+        for (const auto &[handle, shortcut] : m_shortcuts)
+            handles.append(handle);
+        refuseAll(handles, HotKeyRefusal::Unavailable);
+    }
+    if (wasAvailable != isAvailable())
+        Q_EMIT availabilityChanged();
+}
+
+void PortalHotKeys::refuseAll(const QList<HotKeyHandle> &handles, HotKeyRefusal refusal)
+{
+    for (const HotKeyHandle handle : handles) {
+        if (m_shortcuts.contains(handle))
+            Q_EMIT refused(handle, refusal);
+    }
 }
 
 // Changes made together (a replaced combination is a release and a grab)
@@ -167,6 +197,9 @@ void PortalHotKeys::bind()
     if (m_shortcuts.empty())
         return;
     m_binding = true;
+    m_inFlight.clear();
+    for (const auto &[handle, shortcut] : m_shortcuts)
+        m_inFlight.append(handle);
     const QString token = nextToken();
     if (!watchResponse(token, SLOT(sessionCreated(uint, QVariantMap)))) {
         m_binding = false;
@@ -187,6 +220,7 @@ void PortalHotKeys::sessionCreated(uint response, const QVariantMap &results)
     if (response != 0 || m_session.isEmpty()) {
         qCWarning(lcHotKeys, "The desktop portal did not open a shortcut session (response %u)", response);
         m_binding = false;
+        refuseAll(m_inFlight, HotKeyRefusal::Unavailable);
         return;
     }
     if (m_dirty) {
@@ -196,7 +230,9 @@ void PortalHotKeys::sessionCreated(uint response, const QVariantMap &results)
         return;
     }
     QList<PortalShortcut> shortcuts;
+    m_inFlight.clear();
     for (const auto &[key, shortcut] : m_shortcuts) {
+        m_inFlight.append(key);
         shortcuts.append({shortcutId(shortcut.id),
                           {{QStringLiteral("description"), description(shortcut.id)},
                            {QStringLiteral("preferred_trigger"), shortcut.trigger}}});
@@ -213,15 +249,47 @@ void PortalHotKeys::sessionCreated(uint response, const QVariantMap &results)
     m_bus.asyncCall(call);
 }
 
-void PortalHotKeys::shortcutsBound(uint response, const QVariantMap &)
+void PortalHotKeys::shortcutsBound(uint response, const QVariantMap &results)
 {
     m_bus.disconnect(QString::fromLatin1(service), m_pendingRequest, requestInterface, QStringLiteral("Response"), this,
                      SLOT(shortcutsBound(uint, QVariantMap)));
     m_binding = false;
-    if (response != 0)
+    if (response != 0) {
         qCWarning(lcHotKeys, "The desktop portal did not bind Quillon's shortcuts (response %u)", response);
+        refuseAll(m_inFlight, HotKeyRefusal::Unavailable);
+    } else {
+        settle(results);
+    }
     if (m_dirty)
         bind();
+}
+
+// A portal may answer "done" and bind nothing (Plasma 5.27 does so for a
+// program without an application id): only the shortcuts it lists, with
+// the trigger it chose, are bound.
+void PortalHotKeys::settle(const QVariantMap &results)
+{
+    QMap<QString, QString> triggers;
+    const QVariant listed = results.value(QStringLiteral("shortcuts"));
+    if (listed.canConvert<QDBusArgument>()) {
+        for (const PortalShortcut &shortcut : qdbus_cast<QList<PortalShortcut>>(listed.value<QDBusArgument>()))
+            triggers.insert(shortcut.id, shortcut.properties.value(QStringLiteral("trigger_description")).toString());
+    }
+    for (const HotKeyHandle handle : std::as_const(m_inFlight)) {
+        const auto it = m_shortcuts.find(handle);
+        if (it == m_shortcuts.end())
+            continue;
+        const QString id = shortcutId(it->second.id);
+        if (!triggers.contains(id)) {
+            qCWarning(lcHotKeys, "The desktop portal answered without binding %s (%s)", qPrintable(id),
+                      qPrintable(it->second.trigger));
+            Q_EMIT refused(handle, HotKeyRefusal::Unavailable);
+            continue;
+        }
+        // An empty description still means bound, just undescribed.
+        const QString description = triggers.value(id);
+        Q_EMIT bound(handle, description.isEmpty() ? it->second.trigger : description);
+    }
 }
 
 // Activated(o session, s id, t timestamp, a{sv} options)

@@ -29,9 +29,10 @@ public:
 
     HotKeyGrab grab(quint32 keyCode, quint32 modifiers, quint32 id) override;
     void release(HotKeyHandle handle) override;
-    // Until the portal has answered, combinations are accepted and bound
-    // once it does.
-    bool isAvailable() const override { return m_state != State::Missing; }
+    // Until the portal has answered, combinations are requests: `bound` or
+    // `refused` tells what became of them.
+    bool isAvailable() const override { return m_state == State::Unknown || m_state == State::Present; }
+    bool settlesLater() const override { return true; }
 
     // The portal's name for a shortcut and for its trigger ("CTRL+ALT+space").
     static QString shortcutId(quint32 id);
@@ -43,13 +44,19 @@ private Q_SLOTS:
     void shortcutActivated(const QDBusMessage &message);
 
 private:
-    enum class State { Unknown, Present, Missing };
+    // Absent: no portal at all, though one may still start; Missing: a
+    // portal without GlobalShortcuts.
+    enum class State { Unknown, Present, Absent, Missing };
     struct Shortcut {
         quint32 id;
         QString trigger;
     };
 
     void probe();
+    void setState(State state);
+    // Tells the outcome of every combination sent in the last bind.
+    void settle(const QVariantMap &results);
+    void refuseAll(const QList<HotKeyHandle> &handles, HotKeyRefusal refusal);
     void scheduleBind();
     void bind();
     void closeSession();
@@ -64,6 +71,7 @@ private:
     HotKeyHandle m_nextHandle = 1;
     QString m_session;
     QString m_pendingRequest;
+    QList<HotKeyHandle> m_inFlight;
     bool m_binding = false;
     bool m_dirty = false;
     bool m_queued = false;

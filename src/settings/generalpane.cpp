@@ -3,6 +3,10 @@
 #include "catalog/systemstrings.h"
 #include "config/menustore.h"
 #include "config/preferences.h"
+#include "hotkeys/bindingroute.h"
+#include "hotkeys/hotkeycenter.h"
+#include "hotkeys/hotkeyrecorder.h"
+#include "hotkeys/hotkeyroutenotice.h"
 #include "platform/loginitem.h"
 #include "settings/updatesettings.h"
 
@@ -122,4 +126,19 @@ void GeneralPane::addHeading(const QString &text)
     auto *heading = new QLabel(QStringLiteral("<b>%1</b>").arg(text.toHtmlEscaped()), this);
     heading->setAccessibleName(text);
     m_form->addRow(heading);
+}
+
+void GeneralPane::addHotKeyRows(HotKeyCenters &hotKeys, SystemStrings &strings)
+{
+    addHeading(strings.text(SystemString::KeyboardShortcut));
+    // A row of its own across the whole pane, so the paragraph wraps at the
+    // pane's width rather than being squeezed beside a label.
+    m_hotKeyRoute = new HotKeyRouteNotice({&hotKeys.search(), &hotKeys.menu()}, BindingRoute::forSession(), this);
+    m_form->addRow(m_hotKeyRoute);
+    m_searchHotKey = new HotKeyRecorder(hotKeys.search(), hotKeys.others(hotKeys.search()), this);
+    m_menuHotKey = new HotKeyRecorder(hotKeys.menu(), hotKeys.others(hotKeys.menu()), this);
+    m_searchHotKey->setAccessibleName(strings.text(SystemString::Search));
+    m_menuHotKey->setAccessibleName(strings.text(SystemString::Menu));
+    m_form->addRow(strings.text(SystemString::Search), m_searchHotKey);
+    m_form->addRow(strings.text(SystemString::Menu), m_menuHotKey);
 }

@@ -2,6 +2,9 @@
 
 #include <QWidget>
 
+class HotKeyCenters;
+class HotKeyRecorder;
+class HotKeyRouteNotice;
 class MenuStore;
 class Preferences;
 class QFormLayout;
@@ -19,10 +22,18 @@ public:
     GeneralPane(Preferences &preferences, MenuStore &store, UpdateSettings &updates, SystemStrings &strings,
                 QWidget *parent = nullptr);
 
-    // More rows (the keyboard shortcuts) go here.
+    // More rows go here.
     QFormLayout *form() const { return m_form; }
     // A bold line over the rows that follow.
     void addHeading(const QString &text);
+
+    // The "Keyboard Shortcut" section: a recorder for each hot key and,
+    // where the desktop will not bind them, how to bind Quillon's commands
+    // in the desktop's own settings.
+    void addHotKeyRows(HotKeyCenters &hotKeys, SystemStrings &strings);
+    HotKeyRecorder *searchHotKey() const { return m_searchHotKey; }
+    HotKeyRecorder *menuHotKey() const { return m_menuHotKey; }
+    HotKeyRouteNotice *hotKeyRoute() const { return m_hotKeyRoute; }
 
 private:
     void addLoginRow(SystemStrings &strings);
@@ -30,4 +41,7 @@ private:
     void addRecentsRows(MenuStore &store, SystemStrings &strings);
 
     QFormLayout *m_form;
+    HotKeyRecorder *m_searchHotKey = nullptr;
+    HotKeyRecorder *m_menuHotKey = nullptr;
+    HotKeyRouteNotice *m_hotKeyRoute = nullptr;
 };

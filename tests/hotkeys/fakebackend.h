@@ -7,7 +7,8 @@
 
 #include <map>
 
-// A desktop that grants every combination but those it is told to refuse.
+// A desktop that grants every combination but those it is told to refuse;
+// with `later` set it answers only when the test settles a handle.
 class FakeBackend final : public HotKeyBackend
 {
 public:
@@ -21,6 +22,7 @@ public:
     std::map<HotKeyHandle, Grabbed> grabs;
     QHash<QPair<quint32, quint32>, HotKeyRefusal> refusals;
     bool available = true;
+    bool later = false;
 
     HotKeyGrab grab(quint32 keyCode, quint32 modifiers, quint32 id) override
     {
@@ -31,7 +33,9 @@ public:
     }
     void release(HotKeyHandle handle) override { grabs.erase(handle); }
     bool isAvailable() const override { return available; }
+    bool settlesLater() const override { return later; }
     void press(quint32 id) { Q_EMIT activated(id); }
+    HotKeyHandle lastHandle() const { return m_next - 1; }
 
 private:
     HotKeyHandle m_next = 1;

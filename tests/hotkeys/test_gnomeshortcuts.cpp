@@ -1,8 +1,10 @@
 #include "config/preferences.h"
 #include "fakebackend.h"
+#include "hotkeys/bindingroute.h"
 #include "hotkeys/desktopshortcuts.h"
 #include "hotkeys/gnomeshortcuts.h"
 #include "hotkeys/hotkeyrecorder.h"
+#include "hotkeys/hotkeyroutenotice.h"
 
 #include <QLabel>
 #include <QProcess>
@@ -93,29 +95,43 @@ private Q_SLOTS:
         QVERIFY(GnomeShortcuts::removeCustom(QStringLiteral("other")));
     }
 
-    void recorderOffersGnomesKeyboardSettings()
+    void noticeOffersGnomesKeyboardSettingsAfterAsking()
     {
         Preferences preferences(path(QStringLiteral("Quillon.conf")));
         FakeBackend backend;
         backend.available = false;
         backend.refusals.insert({Qt::Key_Space, HotKeyModifier::Super}, HotKeyRefusal::Unavailable);
         HotKeyCenters centers(preferences, backend);
-        HotKeyRecorder recorder(centers.search(), centers.others(centers.search()), searchCommand);
+        HotKeyRecorder recorder(centers.search(), centers.others(centers.search()));
+        HotKeyRouteNotice notice({&centers.search(), &centers.menu()}, BindingRoute::forSession());
+        QStringList questions;
+        bool agree = false;
+        notice.setConfirm([&](QWidget *, const QString &question) {
+            questions.append(question);
+            return agree;
+        });
+        notice.show();
         recorder.show();
-        auto *add = recorder.findChild<QPushButton *>(QStringLiteral("addToDesktop"));
-        auto *remove = recorder.findChild<QPushButton *>(QStringLiteral("removeFromDesktop"));
-        QVERIFY(add && remove && !add->isVisible());
+        QPushButton *add = notice.addToGnomeButton();
+        QVERIFY(add && add->isVisible());
+        QVERIFY(notice.explanation()->text().contains(QStringLiteral("Custom Shortcuts")));
 
+        // The combination the session could not bind is the one offered.
         QTest::mouseClick(recorder.recordButton(), Qt::LeftButton);
         QTest::keyClick(recorder.recordButton(), Qt::Key_Space, Qt::MetaModifier);
-        QVERIFY(add->isVisible());
-        QVERIFY(!remove->isVisible());
+        add->click();
+        QCOMPARE(questions.size(), 1);
+        QVERIFY(questions.first().contains(searchCommand));
+        QVERIFY(questions.first().contains(QStringLiteral("Super+")));
+        QCOMPARE(GnomeShortcuts::customBinding(searchCommand), std::nullopt);
+
+        agree = true;
         add->click();
         QCOMPARE(GnomeShortcuts::customBinding(searchCommand), QStringLiteral("<Super>space"));
-        QVERIFY(remove->isVisible() && !add->isVisible());
-        remove->click();
-        QCOMPARE(GnomeShortcuts::customBinding(searchCommand), std::nullopt);
-        QVERIFY(!remove->isVisible());
+        QVERIFY(!add->isVisible());
+        QVERIFY(notice.gnomeState()->isVisible());
+        QVERIFY(notice.gnomeState()->text().contains(searchCommand));
+        QVERIFY(GnomeShortcuts::removeCustom(searchCommand));
     }
 };
 

@@ -1,8 +1,10 @@
 #include "config/preferences.h"
 #include "fakebackend.h"
 #include "hotkeys/accelerators.h"
+#include "hotkeys/bindingroute.h"
 #include "hotkeys/desktopshortcuts.h"
 #include "hotkeys/hotkeycenter.h"
+#include "hotkeys/hotkeymechanism.h"
 #include "hotkeys/hotkeyrecordermodel.h"
 
 #include <QSignalSpy>
@@ -92,6 +94,98 @@ private Q_SLOTS:
         // No display saved counts as an empty one.
         m_preferences->setValue(QStringLiteral("MenuHotKeyKeyCode"), int(Qt::Key_F5));
         QCOMPARE(m_centers->menu().current(), (HotKeyCombination{Qt::Key_F5, 0, {}}));
+    }
+
+    void eachSessionGetsTheMechanismThatWorksThere()
+    {
+        const QStringList gnome{QStringLiteral("GNOME")};
+        const QStringList plasma{QStringLiteral("KDE")};
+        const struct {
+            const char *session;
+            HotKeySession facts;
+            HotKeyMechanism mechanism;
+        } cases[] = {
+            {"X11", {true, false, gnome, true, false}, HotKeyMechanism::X11Grabs},
+            {"Xwayland", {true, true, gnome, true, false}, HotKeyMechanism::Portal},
+            {"Plasma on Wayland", {false, true, plasma, true, true}, HotKeyMechanism::KGlobalAccel},
+            {"Plasma on X11", {true, false, plasma, true, false}, HotKeyMechanism::KGlobalAccel},
+            {"bare KWin", {false, true, {}, true, true}, HotKeyMechanism::KGlobalAccel},
+            {"sway", {false, true, {}, true, false}, HotKeyMechanism::Portal},
+            // A KDE program started the daemon, but GNOME's compositor has the keys.
+            {"GNOME with the KDE daemon", {false, true, gnome, true, true}, HotKeyMechanism::Portal},
+            {"no session bus", {false, true, plasma, false, false}, HotKeyMechanism::None},
+        };
+        for (const auto &c : cases)
+            QVERIFY2(hotKeyMechanism(c.facts) == c.mechanism, c.session);
+    }
+
+    void lateAnswersSettleTheStatus()
+    {
+        m_backend->later = true;
+        HotKeyCenter &search = m_centers->search();
+        QSignalSpy changed(&search, &HotKeyCenter::statusChanged);
+        QVERIFY(search.registerHotKey(Qt::Key_K, ctrlAlt, QStringLiteral("Ctrl+Alt+K")));
+        QCOMPARE(search.status(), HotKeyStatus(HotKeyPending{}));
+        QVERIFY(!search.isRegistered());
+        const HotKeyHandle first = m_backend->lastHandle();
+
+        Q_EMIT m_backend->bound(first, QStringLiteral("Press Ctrl+Alt+K"));
+        QCOMPARE(search.status(), HotKeyStatus(HotKeyBound{QStringLiteral("Press Ctrl+Alt+K")}));
+        QVERIFY(search.isRegistered());
+
+        // An answer about a replaced combination changes nothing.
+        QVERIFY(search.registerHotKey(Qt::Key_J, ctrlAlt, QStringLiteral("Ctrl+Alt+J")));
+        Q_EMIT m_backend->refused(first, HotKeyRefusal::Taken);
+        QCOMPARE(search.status(), HotKeyStatus(HotKeyPending{}));
+        QVERIFY(!search.needsDesktopRoute());
+
+        // Refused later: the choice stays saved for the desktop's own settings.
+        Q_EMIT m_backend->refused(m_backend->lastHandle(), HotKeyRefusal::Unavailable);
+        QCOMPARE(search.status(), HotKeyStatus(HotKeyRefusal::Unavailable));
+        QVERIFY(search.needsDesktopRoute());
+        QCOMPARE(search.current()->keyCode, quint32(Qt::Key_J));
+        QCOMPARE(changed.count(), 4);
+
+        // Keys changed in the desktop's settings become the saved ones, and
+        // keys removed there are forgotten here.
+        Q_EMIT m_backend->rebound(1, HotKeyCombination{Qt::Key_L, HotKeyModifier::Super, QStringLiteral("Meta+L")});
+        QCOMPARE(search.current(), (HotKeyCombination{Qt::Key_L, HotKeyModifier::Super, QStringLiteral("Meta+L")}));
+        QCOMPARE(search.status(), HotKeyStatus(HotKeyBound{QStringLiteral("Meta+L")}));
+        Q_EMIT m_backend->rebound(2, std::nullopt);
+        QVERIFY(search.current());
+        Q_EMIT m_backend->rebound(1, std::nullopt);
+        QCOMPARE(search.current(), std::nullopt);
+        QCOMPARE(search.status(), HotKeyStatus(HotKeyUnset{}));
+        QVERIFY(m_backend->grabs.empty());
+
+        // An unavailable facility needs the desktop's route with nothing saved.
+        m_backend->available = false;
+        QVERIFY(search.needsDesktopRoute());
+    }
+
+    void desktopRouteNamesCommandsAndLines()
+    {
+        QCOMPARE(BindingRoute::desktopOf({QStringLiteral("ubuntu"), QStringLiteral("GNOME")}, false, false),
+                 RouteDesktop::Gnome);
+        QCOMPARE(BindingRoute::desktopOf({}, true, false), RouteDesktop::Sway);
+        QCOMPARE(BindingRoute::desktopOf({QStringLiteral("Hyprland")}, false, false), RouteDesktop::Hyprland);
+        QCOMPARE(BindingRoute::desktopOf({QStringLiteral("XFCE")}, false, false), RouteDesktop::Other);
+        QCOMPARE(BindingRoute::command(1), QStringLiteral("quillon --toggle-search"));
+        QCOMPARE(BindingRoute::command(2), QStringLiteral("quillon --menu"));
+
+        const HotKeyCombination suggested = BindingRoute::suggestedCombination(1);
+        QCOMPARE(BindingRoute(RouteDesktop::Sway).configLine(BindingRoute::command(1), suggested),
+                 QStringLiteral("bindsym Ctrl+Alt+space exec quillon --toggle-search"));
+        QCOMPARE(BindingRoute(RouteDesktop::Hyprland).configLine(BindingRoute::command(1), suggested),
+                 QStringLiteral("bind = CTRL ALT, space, exec, quillon --toggle-search"));
+        const HotKeyCombination superShiftF2{Qt::Key_F2, HotKeyModifier::Super | HotKeyModifier::Shift, {}};
+        QCOMPARE(BindingRoute(RouteDesktop::Sway).configLine(QStringLiteral("quillon --menu"), superShiftF2),
+                 QStringLiteral("bindsym Mod4+Shift+F2 exec quillon --menu"));
+        QCOMPARE(BindingRoute(RouteDesktop::Hyprland).configLine(QStringLiteral("quillon --menu"), superShiftF2),
+                 QStringLiteral("bind = SUPER SHIFT, F2, exec, quillon --menu"));
+        // Desktops with a settings program have no line to paste.
+        QVERIFY(BindingRoute(RouteDesktop::Gnome).configLine(BindingRoute::command(1), suggested).isEmpty());
+        QVERIFY(!BindingRoute(RouteDesktop::Sway).canAddGnomeShortcut());
     }
 
     void recorderDecidesOnKeys()

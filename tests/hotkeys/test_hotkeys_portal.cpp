@@ -5,9 +5,33 @@
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusVirtualObject>
 #include <QTemporaryDir>
 #include <QTest>
+
+// One entry of the a(sa{sv}) the portal answers with.
+struct PortalEntry {
+    QString id;
+    QVariantMap properties;
+};
+Q_DECLARE_METATYPE(PortalEntry)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const PortalEntry &entry)
+{
+    argument.beginStructure();
+    argument << entry.id << entry.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, PortalEntry &entry)
+{
+    argument.beginStructure();
+    argument >> entry.id >> entry.properties;
+    argument.endStructure();
+    return argument;
+}
 
 namespace {
 
@@ -27,6 +51,9 @@ public:
     QList<QVariantMap> sessions;
     QList<Bound> binds;
     QStringList closed;
+    // The shortcuts BindShortcuts answers with, described as "Press " and
+    // the preferred trigger; all that were asked for unless set.
+    std::optional<QStringList> grants;
 
     explicit FakePortal(bool hasGlobalShortcuts)
         : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal%1").arg(++s_count)))
@@ -85,6 +112,17 @@ public:
             list.endArray();
             binds.append(bound);
             options = qdbus_cast<QVariantMap>(message.arguments().value(3));
+            QDBusArgument granted;
+            granted.beginArray(QMetaType::fromType<PortalEntry>());
+            for (auto it = bound.shortcuts.cbegin(); it != bound.shortcuts.cend(); ++it) {
+                if (grants && !grants->contains(it.key()))
+                    continue;
+                const QString trigger = it.value().value(QStringLiteral("preferred_trigger")).toString();
+                granted << PortalEntry{it.key(),
+                                       {{QStringLiteral("trigger_description"), QStringLiteral("Press ") + trigger}}};
+            }
+            granted.endArray();
+            results.insert(QStringLiteral("shortcuts"), QVariant::fromValue(granted));
         } else {
             return false;
         }
@@ -119,6 +157,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(QDBusConnection::sessionBus().isConnected());
+        qDBusRegisterMetaType<PortalEntry>();
         m_preferences = std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("Quillon.conf")));
     }
 
@@ -140,6 +179,7 @@ private Q_SLOTS:
         const QVariantMap search = portal.binds.at(0).shortcuts.value(QStringLiteral("hotkey-1"));
         QCOMPARE(search.value(QStringLiteral("preferred_trigger")).toString(), QStringLiteral("CTRL+ALT+space"));
         QVERIFY(!search.value(QStringLiteral("description")).toString().isEmpty());
+        QTRY_COMPARE(centers.search().status(), HotKeyStatus(HotKeyBound{QStringLiteral("Press CTRL+ALT+space")}));
 
         // A session binds once: the next change binds both anew in a new one.
         QVERIFY(centers.menu().registerHotKey(Qt::Key_M, HotKeyModifier::Super, QStringLiteral("Super+M")));
@@ -170,13 +210,16 @@ private Q_SLOTS:
     {
         PortalHotKeys backend;
         HotKeyCenters centers(*m_preferences, backend);
-        QTest::qWait(100);
+        QTRY_VERIFY(!backend.isAvailable());
+        // Nothing binds it yet, but it waits for a portal.
         QVERIFY(centers.search().registerHotKey(Qt::Key_F5, 0, QStringLiteral("F5")));
+        QTRY_COMPARE(centers.search().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
         auto portal = std::make_unique<FakePortal>(true);
         QTRY_COMPARE(portal->binds.size(), 1);
         QCOMPARE(
             portal->binds.at(0).shortcuts.value(QStringLiteral("hotkey-1")).value(QStringLiteral("preferred_trigger")),
             QVariant(QStringLiteral("F5")));
+        QTRY_COMPARE(centers.search().status(), HotKeyStatus(HotKeyBound{QStringLiteral("Press F5")}));
         // A restarted portal knows nothing of the old session.
         portal.reset();
         portal = std::make_unique<FakePortal>(true);
@@ -188,11 +231,37 @@ private Q_SLOTS:
     {
         FakePortal portal(false);
         PortalHotKeys backend;
-        QTRY_VERIFY(!backend.isAvailable());
         HotKeyCenters centers(*m_preferences, backend);
+        // Asked before the portal answered (GNOME before 48): pending, then refused.
+        QVERIFY(centers.menu().registerHotKey(Qt::Key_M, ctrlAlt, {}));
+        QCOMPARE(centers.menu().status(), HotKeyStatus(HotKeyPending{}));
+        QTRY_COMPARE(centers.menu().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
+        QVERIFY(centers.menu().needsDesktopRoute());
+        QVERIFY(!backend.isAvailable());
         QCOMPARE(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, {}),
                  HotKeyRegistration{HotKeyRefusal::Unavailable});
         QVERIFY(portal.binds.isEmpty());
+        centers.menu().clear();
+    }
+
+    // Plasma 5.27 answers "done" with no shortcuts for a program without an
+    // application id; a portal may also bind only some of them.
+    void emptyOrPartialAnswersAreFailures()
+    {
+        FakePortal portal(true);
+        PortalHotKeys backend;
+        HotKeyCenters centers(*m_preferences, backend);
+        portal.grants = QStringList{};
+        QVERIFY(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, QStringLiteral("Ctrl+Alt+Space")));
+        QTRY_COMPARE(centers.search().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
+        QVERIFY(centers.search().needsDesktopRoute());
+
+        portal.grants = QStringList{QStringLiteral("hotkey-2")};
+        QVERIFY(centers.menu().registerHotKey(Qt::Key_M, HotKeyModifier::Super, QStringLiteral("Super+M")));
+        QTRY_COMPARE(centers.menu().status(), HotKeyStatus(HotKeyBound{QStringLiteral("Press LOGO+m")}));
+        QCOMPARE(centers.search().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
+        centers.search().clear();
+        centers.menu().clear();
     }
 };
 
