@@ -1,5 +1,6 @@
 #include "app/appdelegate.h"
 
+#include "app/notraynotice.h"
 #include "app/statusmenucontroller.h"
 #include "app/updatewindow.h"
 #include "catalog/systemstrings.h"
@@ -12,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPointer>
 #include <QTimer>
 
@@ -169,15 +171,39 @@ bool AppDelegate::popsOwnMenu() const
     return m_statusMenu && m_statusMenu->trayKind() == TrayKind::PopUp;
 }
 
-// Nothing can pop a menu at the pointer here: the panel lists the menu instead.
+// Nothing can pop a menu at the pointer here: the panel lists the menu
+// instead, and the keyboard walks into its submenus.
 void AppDelegate::showMenuPanel()
 {
-    searchPanel().show();
+    searchPanel().showMenu(menuCommands());
 }
 
+MenuEntries AppDelegate::menuCommands()
+{
+    SystemStrings &strings = m_services.sources.context().strings;
+    return {
+        CommandEntry{strings.text(SystemString::Settings), [this] { showSettings(); }},
+        CommandEntry{strings.text(SystemString::QuitApp).replace(QLatin1String("%@"), QStringLiteral("Quillon")),
+                     [] { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); }},
+    };
+}
+
+// Said once per start: the panel, the menu in it, and the ways back to it.
 void AppDelegate::showNoTrayNotice()
 {
-    searchPanel().show();
+    showMenuPanel();
+    const HotKeyCenter &search = HotKeyCenters::shared().search();
+    const HotKeyCombination keys = search.wanted().value_or(BindingRoute::suggestedCombination(search.number()));
+    const QPointer<AppDelegate> self(this);
+    searchPanel().showNotice(noTrayNotice(
+        BindingRoute::forSession(), keys,
+        [](const QString &question) {
+            return QMessageBox::question(nullptr, QStringLiteral("Quillon"), question) == QMessageBox::Yes;
+        },
+        [self](const PanelNotice &outcome) {
+            if (self)
+                self->searchPanel().showNotice(outcome);
+        }));
 }
 
 void AppDelegate::showSettings()

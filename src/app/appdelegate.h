@@ -40,6 +40,7 @@ private:
     bool popsOwnMenu() const;
     void showMenuPanel();
     void showNoTrayNotice();
+    MenuEntries menuCommands();
     UpdateWindow &updateWindow();
     SearchPanelController &searchPanel();
 

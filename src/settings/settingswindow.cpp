@@ -37,15 +37,9 @@ SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
     setWindowTitle(QStringLiteral("Quillon ") + title);
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
 
-    m_searchHotKey = new HotKeyRecorder(hotKeys.search(), hotKeys.others(hotKeys.search()),
-                                        QStringLiteral("quillon --toggle-search"), m_general);
-    m_menuHotKey =
-        new HotKeyRecorder(hotKeys.menu(), hotKeys.others(hotKeys.menu()), QStringLiteral("quillon --menu"), m_general);
-    m_searchHotKey->setAccessibleName(strings.text(SystemString::Search));
-    m_menuHotKey->setAccessibleName(strings.text(SystemString::Menu));
-    m_general->addHeading(strings.text(SystemString::KeyboardShortcut));
-    m_general->form()->addRow(strings.text(SystemString::Search), m_searchHotKey);
-    m_general->form()->addRow(strings.text(SystemString::Menu), m_menuHotKey);
+    m_general->addHotKeyRows(hotKeys, strings);
+    m_searchHotKey = m_general->searchHotKey();
+    m_menuHotKey = m_general->menuHotKey();
 
     m_tabs->addTab(m_general, strings.text(SystemString::General));
     m_tabs->addTab(m_menus, strings.text(SystemString::Menus));

@@ -1,6 +1,7 @@
 #include "app/lazymenu.h"
 #include "app/menuicon.h"
 #include "app/menuprinter.h"
+#include "app/notraynotice.h"
 #include "app/statusmenu.h"
 #include "app/statusmenucontroller.h"
 #include "app/updates.h"
@@ -285,6 +286,23 @@ private Q_SLOTS:
         m_preferences->setValue(QStringLiteral("ShowSearch"), false);
         Q_EMIT menu->aboutToShow();
         QVERIFY(menu->actions().first()->text() != QStringLiteral("Search…"));
+    }
+
+    // Without a tray, the panel says so and shows the desktop's own way to
+    // bind the search command: the line to paste, or the command itself.
+    void theNoTrayNoticeShowsTheDesktopsRoute()
+    {
+        const HotKeyCombination keys = BindingRoute::suggestedCombination(1);
+        const auto never = [](const QString &) { return false; };
+        const auto ignore = [](const PanelNotice &) {};
+        const PanelNotice sway = noTrayNotice(BindingRoute(RouteDesktop::Sway), keys, never, ignore);
+        QVERIFY(sway.message.startsWith(QStringLiteral("No system tray is available.")));
+        QVERIFY(sway.message.contains(QStringLiteral("~/.config/sway/config")));
+        QCOMPARE(sway.copyLine, std::optional(QStringLiteral("bindsym Ctrl+Alt+space exec quillon --toggle-search")));
+        QVERIFY(sway.actions.isEmpty());
+        const PanelNotice other = noTrayNotice(BindingRoute(RouteDesktop::Other), keys, never, ignore);
+        QCOMPARE(other.copyLine, std::optional(QStringLiteral("quillon --toggle-search")));
+        QVERIFY(other.actions.isEmpty());
     }
 
     void theTrayIsChosenByEnvironment()
