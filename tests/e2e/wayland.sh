@@ -86,11 +86,22 @@ waitfor 150 watcher_has_host || fail "waybar's tray did not come up"
 start_quillon() {
   QT_QPA_PLATFORM=wayland QT_LOGGING_RULES="quillon.*.debug=true" "$quillon" "$@" >>"$home/quillon.log" 2>&1 &
 }
-# Quillon's item, as "service path", from the watcher's list.
+# Quillon's item, as "service path", from the watcher's list: entries are a
+# bus name, or a bus name and an object path.
 item() {
-  bus -d org.kde.StatusNotifierWatcher -o /StatusNotifierWatcher -m org.freedesktop.DBus.Properties.Get \
-    org.kde.StatusNotifierWatcher RegisteredStatusNotifierItems | grep -o "org.kde.StatusNotifierItem-[0-9-]*[^']*" \
-    | head -1 | sed 's|/| /|'
+  local entry svc path
+  for entry in $(bus -d org.kde.StatusNotifierWatcher -o /StatusNotifierWatcher -m org.freedesktop.DBus.Properties.Get \
+    org.kde.StatusNotifierWatcher RegisteredStatusNotifierItems | grep -o "'[^']*'" | tr -d "'"); do
+    svc=${entry%%/*}
+    path=/${entry#*/}
+    [ "$svc" = "$entry" ] && path=/StatusNotifierItem
+    if bus -d "$svc" -o "$path" -m org.freedesktop.DBus.Properties.Get org.kde.StatusNotifierItem Id 2>/dev/null \
+      | grep -q Quillon; then
+      echo "$svc $path"
+      return 0
+    fi
+  done
+  return 1
 }
 property() {
   local svc path
