@@ -13,7 +13,6 @@
 
 #include <QCoreApplication>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPointer>
 #include <QTimer>
 
@@ -195,15 +194,10 @@ void AppDelegate::showNoTrayNotice()
     const HotKeyCenter &search = HotKeyCenters::shared().search();
     const HotKeyCombination keys = search.wanted().value_or(BindingRoute::suggestedCombination(search.number()));
     const QPointer<AppDelegate> self(this);
-    searchPanel().showNotice(noTrayNotice(
-        BindingRoute::forSession(), keys,
-        [](const QString &question) {
-            return QMessageBox::question(nullptr, QStringLiteral("Quillon"), question) == QMessageBox::Yes;
-        },
-        [self](const PanelNotice &outcome) {
-            if (self)
-                self->searchPanel().showNotice(outcome);
-        }));
+    searchPanel().showNotice(noTrayNotice(BindingRoute::forSession(), keys, [self](const PanelNotice &next) {
+        if (self)
+            self->searchPanel().showNotice(next);
+    }));
 }
 
 void AppDelegate::showSettings()

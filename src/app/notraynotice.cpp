@@ -14,8 +14,7 @@ QString tr(const char *text)
 } // namespace
 
 PanelNotice noTrayNotice(const BindingRoute &route, const HotKeyCombination &keys,
-                         std::function<bool(const QString &question)> confirm,
-                         std::function<void(const PanelNotice &outcome)> done)
+                         std::function<void(const PanelNotice &next)> show)
 {
     const QString command = BindingRoute::command(searchHotKey);
     PanelNotice notice{
@@ -27,21 +26,25 @@ PanelNotice noTrayNotice(const BindingRoute &route, const HotKeyCombination &key
         notice.message +=
             QLatin1Char(' ')
             + tr("GNOME can open this panel with %1 if you add a keyboard shortcut for it.").arg(keys.display);
+        const auto add = [route, keys, command, show] {
+            const bool added = route.addGnomeShortcut(searchHotKey, keys);
+            show(PanelNotice{added ? tr("%1 now opens this panel. Change it in Settings → Keyboard → Keyboard "
+                                        "Shortcuts.")
+                                         .arg(keys.display)
+                                   : tr("GNOME's keyboard settings could not be changed. Add a custom shortcut that "
+                                        "runs the command below in Settings → Keyboard."),
+                             added ? std::nullopt : std::optional(command),
+                             {}});
+        };
+        const auto back = [route, keys, show] { show(noTrayNotice(route, keys, show)); };
         notice.actions.append(PanelAction{
             tr("Add Keyboard Shortcut…"),
-            [route, keys, command, confirm = std::move(confirm), done = std::move(done)] {
-                const QString question =
-                    tr("Add a shortcut to GNOME's keyboard settings that runs “%1” on %2?").arg(command, keys.display);
-                if (!confirm(question))
-                    return;
-                const bool added = route.addGnomeShortcut(searchHotKey, keys);
-                done(PanelNotice{added ? tr("%1 now opens this panel. Change it in Settings → Keyboard → Keyboard "
-                                            "Shortcuts.")
-                                             .arg(keys.display)
-                                       : tr("GNOME's keyboard settings could not be changed. Add a custom shortcut "
-                                            "that runs the command below in Settings → Keyboard."),
-                                 added ? std::nullopt : std::optional(command),
-                                 {}});
+            [keys, command, show, add, back] {
+                show(PanelNotice{
+                    tr("Add a shortcut to GNOME's keyboard settings that runs “%1” on %2?").arg(command, keys.display),
+                    std::nullopt,
+                    {{tr("Add Shortcut"), add}, {tr("Cancel"), back}},
+                });
             },
         });
     } else if (const QString line = route.configLine(command, keys); !line.isEmpty()) {

@@ -7,8 +7,8 @@
 
 // What the search panel says at start when there is no tray to put the icon
 // in: that there is none, how to get back to Quillon, and the desktop's own
-// way to bind the search command to a key. `confirm` asks before GNOME's
-// settings are changed; `done` shows the outcome of that change.
+// way to bind the search command to a key. On GNOME it offers to add that
+// key itself, asking first in the panel (a dialog would take the panel's
+// focus and close it); `show` puts each following notice in the panel.
 PanelNotice noTrayNotice(const BindingRoute &route, const HotKeyCombination &keys,
-                         std::function<bool(const QString &question)> confirm,
-                         std::function<void(const PanelNotice &outcome)> done);
+                         std::function<void(const PanelNotice &next)> show);

@@ -121,7 +121,12 @@ void SearchPanelView::rowClicked(const QModelIndex &index)
 
 void SearchPanelView::setNotice(const PanelNotice &notice)
 {
-    delete m_notice;
+    if (m_notice) {
+        // Later: a notice's own button may be what replaces it.
+        m_notice->hide();
+        layout()->removeWidget(m_notice);
+        m_notice->deleteLater();
+    }
     m_notice = new SearchPanelNotice(notice, this);
     m_notice->setFixedHeight(m_notice->hasHeightForWidth() ? m_notice->heightForWidth(width)
                                                            : m_notice->sizeHint().height());

@@ -293,14 +293,13 @@ private Q_SLOTS:
     void theNoTrayNoticeShowsTheDesktopsRoute()
     {
         const HotKeyCombination keys = BindingRoute::suggestedCombination(1);
-        const auto never = [](const QString &) { return false; };
         const auto ignore = [](const PanelNotice &) {};
-        const PanelNotice sway = noTrayNotice(BindingRoute(RouteDesktop::Sway), keys, never, ignore);
+        const PanelNotice sway = noTrayNotice(BindingRoute(RouteDesktop::Sway), keys, ignore);
         QVERIFY(sway.message.startsWith(QStringLiteral("No system tray is available.")));
         QVERIFY(sway.message.contains(QStringLiteral("~/.config/sway/config")));
         QCOMPARE(sway.copyLine, std::optional(QStringLiteral("bindsym Ctrl+Alt+space exec quillon --toggle-search")));
         QVERIFY(sway.actions.isEmpty());
-        const PanelNotice other = noTrayNotice(BindingRoute(RouteDesktop::Other), keys, never, ignore);
+        const PanelNotice other = noTrayNotice(BindingRoute(RouteDesktop::Other), keys, ignore);
         QCOMPARE(other.copyLine, std::optional(QStringLiteral("quillon --toggle-search")));
         QVERIFY(other.actions.isEmpty());
     }

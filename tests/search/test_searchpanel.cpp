@@ -486,6 +486,17 @@ private Q_SLOTS:
         QCOMPARE(m_controller->model()->results().size(), 12);
         QCOMPARE(panel->bodyGeometry().top(), top);
         QVERIFY(panel->geometry().bottom() <= QGuiApplication::primaryScreen()->availableGeometry().bottom());
+
+        // A button may put the next notice in its own place: a question, then its answer.
+        m_controller->showNotice(
+            PanelNotice{QStringLiteral("First"),
+                        std::nullopt,
+                        {PanelAction{QStringLiteral("Next"), [this] {
+                                         m_controller->showNotice(PanelNotice{QStringLiteral("Second"), {}, {}});
+                                     }}}});
+        QTest::mouseClick(m_controller->view()->notice()->buttons().at(0), Qt::LeftButton);
+        QCOMPARE(m_controller->view()->notice()->message()->text(), QStringLiteral("Second"));
+        QVERIFY(m_controller->isShown());
     }
 
     void dismissals()
