@@ -38,6 +38,7 @@ constexpr int placementPollMs = 50;
 constexpr int placementAttempts = 20;
 constexpr int loginTrayWaitMs = 5000;
 constexpr int manualTrayWaitMs = 500;
+const QString noTrayNoticeShownKey = QStringLiteral("NoTrayNoticeShown");
 } // namespace
 
 AppDelegate::AppDelegate(bool launchedAtLogin, QObject *parent)
@@ -77,17 +78,18 @@ void AppDelegate::start()
 
 void AppDelegate::finishLaunching()
 {
-    m_statusMenu =
-        std::make_unique<StatusMenuController>(m_services.statusMenuServices(), Tray::forSession(),
-                                               StatusMenuController::Commands{
-                                                   [this] { showSettings(); },
-                                                   [this] { searchPanel().show(); },
-                                                   [] {
-                                                       const auto combination =
-                                                           HotKeyCenters::shared().search().current();
-                                                       return combination ? sequenceOf(*combination) : QKeySequence();
-                                                   },
-                                               });
+    m_statusMenu = std::make_unique<StatusMenuController>(
+        m_services.statusMenuServices(), Tray::forSession(),
+        StatusMenuController::Commands{
+            [this] { showSettings(); },
+            [this] { searchPanel().show(); },
+            [] {
+                // Only a key the desktop really bound.
+                const HotKeyCenter &search = HotKeyCenters::shared().search();
+                const auto combination = search.current();
+                return combination && search.isRegistered() ? sequenceOf(*combination) : QKeySequence();
+            },
+        });
     connect(m_statusMenu.get(), &StatusMenuController::searchWanted, this, &AppDelegate::toggleSearchPanel);
     // One floating thing at a time: the menu opening sends the panel away.
     connect(&m_statusMenu->statusMenu(), &StatusMenu::aboutToOpen, this, [this] {
@@ -105,7 +107,9 @@ void AppDelegate::finishLaunching()
             showMenuPanel();
         break;
     case TrayKind::Absent:
-        showNoTrayNotice();
+        // At login only the first time: by then the person knows the way in.
+        if (!m_launchedAtLogin || !m_services.preferences.value(noTrayNoticeShownKey).toBool())
+            showNoTrayNotice();
         break;
     }
 }
@@ -198,6 +202,7 @@ void AppDelegate::showNoTrayNotice()
         if (self)
             self->searchPanel().showNotice(next);
     }));
+    m_services.preferences.setValue(noTrayNoticeShownKey, true);
 }
 
 void AppDelegate::showSettings()
