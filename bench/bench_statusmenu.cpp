@@ -8,6 +8,7 @@
 #include "catalog/systemstrings.h"
 #include "config/urls.h"
 #include "hotkeys/hotkeycenter.h"
+#include "platform/dbusmenuexporter.h"
 #include "platform/fileicons.h"
 #include "settings/applicationspane.h"
 #include "settings/contentpane.h"
@@ -108,6 +109,47 @@ void rebuildTopLevel(benchmark::State &state)
     }
 }
 BENCHMARK(rebuildTopLevel)->Unit(benchmark::kMillisecond);
+
+// What a panel that draws the menu waits for when the icon is clicked: the
+// root rebuilt and its whole layout described (submenus still unfilled).
+void exportedMenuOpening(benchmark::State &state)
+{
+    Setup setup;
+    setup.menu->useSearchItem([] {}, [] { return QKeySequence(); });
+    DBusMenuExporter exporter(setup.menu->menu());
+    for (auto _ : state) {
+        exporter.AboutToShow(DBusMenuExporter::rootId);
+        DBusMenuLayoutItem layout;
+        exporter.GetLayout(DBusMenuExporter::rootId, -1, {}, layout);
+        benchmark::DoNotOptimize(layout.children.size());
+    }
+}
+BENCHMARK(exportedMenuOpening)->Unit(benchmark::kMillisecond);
+
+// Opening a folder of 200 documents in such a panel: listed, filled and
+// described, icons included.
+void exportedFolderSubmenu(benchmark::State &state)
+{
+    Setup setup;
+    setup.menu->useSearchItem([] {}, [] { return QKeySequence(); });
+    DBusMenuExporter exporter(setup.menu->menu());
+    for (auto _ : state) {
+        exporter.AboutToShow(DBusMenuExporter::rootId);
+        QAction *folder = nullptr;
+        for (QAction *action : setup.menu->menu()->actions()) {
+            if (action->menu() && action->text() == QStringLiteral("Folder0"))
+                folder = action;
+        }
+        const int id = exporter.idOf(folder);
+        exporter.AboutToShow(id);
+        DBusMenuLayoutItem layout;
+        exporter.GetLayout(id, -1, {}, layout);
+        if (layout.children.size() < 200)
+            state.SkipWithError("the folder did not fill");
+        benchmark::DoNotOptimize(layout.children.size());
+    }
+}
+BENCHMARK(exportedFolderSubmenu)->Unit(benchmark::kMillisecond);
 
 void loadShortcuts(ShortcutLibrary &library)
 {
