@@ -71,9 +71,11 @@ fail() { echo "FAIL: $*"; kill "$quillon" 2>/dev/null; exit 1; }
 step() { echo "STEP: $*"; }
 daemon() { gdbus call --session -d org.kde.kglobalaccel "$@" 2>&1; }
 
-# Saved keys: Ctrl+Alt+Space for the search panel, Meta+M for the menu.
+# Saved keys: Ctrl+Alt+Space for the search panel, Meta+M for the menu; and
+# not the first login, so no notice about the missing tray opens the panel.
 cat > "$XDG_CONFIG_HOME/Quillon/Quillon.conf" <<CONF
 [General]
+NoTrayNoticeShown=true
 HotKeyKeyCode=32
 HotKeyModifiers=6144
 HotKeyDisplay=Ctrl+Alt+Space
