@@ -176,6 +176,21 @@ panel_inside_screen || fail "the panel grew off the screen: $(windows)"
 shot search-typed
 wait $typist || true
 
+# The menu command cannot pop a menu at the pointer here: the panel lists it.
+# (The virtual keyboard's leaving took the panel's focus, which closes it.)
+waitfor 30 sh -c "! swaymsg -t get_tree | grep -q 'Quillon Search'" || "$quillon" --toggle-search
+waitfor 30 sh -c "! swaymsg -t get_tree | grep -q 'Quillon Search'" || fail "the panel did not close"
+"$quillon" --menu
+waitfor 50 panel_inside_screen || fail "--menu did not list the menu in the panel: $(windows)"
+shot menu-in-panel
+# Right walks into the selected submenu (Applications), filled as it opens.
+wtype -s 300 -k Right -s 2500 &
+typist=$!
+sleep 1.2
+panel_inside_screen || fail "the panel left the screen walking into a submenu: $(windows)"
+shot menu-walked
+wait $typist || true
+
 # 5. A click the panel forwards opens the item: "Quit Quillon" ends it.
 quit=$(menu_call GetLayout 0 1 '["label"]' | grep -o "([0-9]*, {'label': <'Quit Quillon'>" | grep -o "^([0-9]*" | tr -d '(')
 [ -n "$quit" ] || fail "no Quit item"
