@@ -264,6 +264,9 @@ def build(tree, tags, overlay, release, report):
         """Adds the category's pane and those below it; False when it shows nothing."""
         entries = sorted(by_category.get(category["id"], []), key=lambda e: sort_key(e[1]))
         own = icon_fields(category, category["id"], inherited)
+        # What stands in for a child's icon: the category's own, unless the
+        # overlay knows it to be missing from older icon themes.
+        below = icons.get(category["id"], {}).get("symbolFallback") or own["symbol"]
         start = len(panes)
         pane = {
             "id": category["id"],
@@ -277,10 +280,10 @@ def build(tree, tags, overlay, release, report):
         children = []
         for kind, record in entries:
             if kind == "category":
-                if emit(record, own["symbol"]):
+                if emit(record, below):
                     children.append(record["id"])
             else:
-                panes.append(module_pane(record, own["symbol"]))
+                panes.append(module_pane(record, below))
                 children.append(record["id"])
         if not children:
             del panes[start:]
