@@ -229,7 +229,8 @@ add_library(helper MODULE x.cpp)
         }
         base.update(files)
         write_tree(folder.name, base)
-        overlay = {"genericIcon": "generic", "modules": list(overlay_modules), "icons": {}, "strings": {}}
+        overlay = {"genericIcon": "generic", "modules": list(overlay_modules), "icons": {}, "strings": {},
+                   "sources": ["KDE/big abc123"]}
         reports = []
         document = kde.build(folder.name, ["6.0.5"], overlay, release, reports.append)
         return document, {p["id"]: p for p in document["panes"]}, reports
@@ -272,8 +273,7 @@ add_library(helper MODULE x.cpp)
             self.assertNotIn(left_out, panes)
         self.assertTrue(any("kcm_phone" in r and "handset" in r for r in reports))
         self.assertTrue(any("kcm_lost" in r and "nowhere" in r for r in reports))
-        self.assertEqual(document["source"], ["Plasma 6.0.5: KDE/desk v6.0.4, KDE/systemsettings v6.0.5; "
-                                              "kwin's modules from the overlay"])
+        self.assertEqual(document["source"], ["Plasma 6.0.5: KDE/desk v6.0.4, KDE/systemsettings v6.0.5, KDE/big abc123"])
 
     def test_overlay_modules_by_release(self):
         late = {"id": "kcm_late", "namespace": "plasma/kcms/systemsettings", "name": "Late",

@@ -312,8 +312,7 @@ def build(tree, tags, overlay, release, report):
 
     return {
         "osVersion": tags[-1],
-        "source": [f"Plasma {t}: " + ", ".join(repository_tags(tree))
-                   + "; kwin's modules from the overlay" for t in tags],
+        "source": [f"Plasma {t}: " + ", ".join(repository_tags(tree) + overlay.get("sources", [])) for t in tags],
         "sections": sections,
         "panes": panes,
         "strings": overlay["strings"],
