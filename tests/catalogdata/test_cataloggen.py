@@ -268,12 +268,14 @@ add_library(helper MODULE x.cpp)
         automount = panes["kcm_device_automounter"]
         self.assertEqual(automount["url"], "settings://kde/kcm_device_automounter")
         self.assertEqual(automount["nameRef"], {"table": "%p/plasma/kcms/x/kcm_device_automounter.so", "key": "Name"})
-        self.assertEqual((automount["symbol"], automount["symbolFallback"]), ("icon-kcm_device_automounter", "icon-sub"))
+        self.assertEqual((automount["symbol"], automount["symbolFallback"]),
+                         ("icon-kcm_device_automounter", "icon-sub"))
         for left_out in ("kcm_phone", "kcm_lost", "kcm_test", "kcm_late", "rootcategory"):
             self.assertNotIn(left_out, panes)
         self.assertTrue(any("kcm_phone" in r and "handset" in r for r in reports))
         self.assertTrue(any("kcm_lost" in r and "nowhere" in r for r in reports))
-        self.assertEqual(document["source"], ["Plasma 6.0.5: KDE/desk v6.0.4, KDE/systemsettings v6.0.5, KDE/big abc123"])
+        self.assertEqual(document["source"],
+                         ["Plasma 6.0.5: KDE/desk v6.0.4, KDE/systemsettings v6.0.5, KDE/big abc123"])
 
     def test_overlay_modules_by_release(self):
         late = {"id": "kcm_late", "namespace": "plasma/kcms/systemsettings", "name": "Late",
@@ -302,7 +304,8 @@ class BreezeIcons(unittest.TestCase):
         names = {"preferences-desktop-display", "video-display", "preferences-security", "preferences-desktop"}
         audit = Audit()
         check_breeze_icons(audit, "kde/6.0.json", {"panes": panes}, names)
-        self.assertEqual(audit.failures, ['symbolFallback "preferences-system-disks" is not in the installed Breeze theme'])
+        self.assertEqual(audit.failures,
+                         ['symbolFallback "preferences-system-disks" is not in the installed Breeze theme'])
         self.assertEqual(audit.notes, ["not in the installed Breeze, drawn from the fallback: flatpak-discover"])
 
 

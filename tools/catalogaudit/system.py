@@ -321,4 +321,5 @@ def check_breeze_icons(audit, where, decoded, names):
         if isinstance(symbol, str) and symbol not in names and shorter_name(symbol) not in names:
             drawn_by_fallback.append(symbol)
     if drawn_by_fallback:
-        audit.note(where, "not in the installed Breeze, drawn from the fallback: " + ", ".join(sorted(drawn_by_fallback)))
+        audit.note(where, "not in the installed Breeze, drawn from the fallback: "
+                   + ", ".join(sorted(drawn_by_fallback)))
