@@ -288,7 +288,8 @@ add_library(helper MODULE x.cpp)
 class BreezeIcons(unittest.TestCase):
     def test_every_record_gets_an_icon_from_breeze(self):
         class Audit:
-            failures, notes = [], []
+            def __init__(self):
+                self.failures, self.notes = [], []
 
             def fail(self, where, message):
                 self.failures.append(message)

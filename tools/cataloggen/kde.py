@@ -291,9 +291,6 @@ def build(tree, tags, overlay, release, report):
         # A category opens nothing by itself: the module that answers for
         # it (X-KDE-System-Settings-Category-Module) is one of its children.
         pane["children"] = [children]
-        ordered = {k: pane[k] for k in ("id", "name", "nameRef", "sections", "children")}
-        ordered.update(own)
-        panes[start] = ordered
         return True
 
     top = []
