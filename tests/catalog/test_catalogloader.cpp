@@ -217,6 +217,18 @@ private Q_SLOTS:
                                      << "org.kde.systemsettings-5.27.12"
                                      << ""
                                      << "5.27.5";
+        // One document per Plasma 6 release whose modules changed; 6.3 and
+        // 6.6 share the one before (aliases.json). 6.4.json was written from
+        // 6.4.6 and serves 6.4.5 too.
+        const QList<std::pair<const char *, const char *>> plasma6 = {
+            {"6.0.5", "6.0.5"}, {"6.1.5", "6.1.5"}, {"6.2.5", "6.2.5"}, {"6.3.6", "6.2.5"},
+            {"6.4.5", "6.4.6"}, {"6.5.6", "6.5.6"}, {"6.6.6", "6.5.6"}, {"6.7.4", "6.7.4"},
+        };
+        for (const auto &[release, document] : plasma6) {
+            QTest::newRow(qPrintable(QStringLiteral("Plasma %1").arg(QLatin1String(release))))
+                << "kde" << QStringLiteral("org.kde.systemsettings-%1").arg(QLatin1String(release)) << ""
+                << QString::fromLatin1(document);
+        }
     }
 
     void shippedCatalogForEachRelease()

@@ -26,6 +26,10 @@ set(expected
   "pane \"region\": is neither in the top sections nor a child of a pane"
   "interface string \"graphite\" is missing"
   "\"quit\" is not an interface string"
+  "kde/6.0.json pane \"themes\": url \"settings://kde/kcm_lookandfeel\" on a group of modules"
+  "kde/6.0.json pane \"kcm_lookandfeel\": url \"settings://kde/kcm_lookandfeel\" is already used by pane \"themes\""
+  "pane \"kcm_colors\": opens module \"kcm_colors\" but is named by plugin \"kcm_style\""
+  "pane \"keyboard\": named by module kcm_keyboard but opens nothing"
 )
 foreach(fault IN LISTS expected)
   if(NOT out MATCHES "FAIL [^\n]*${fault}")

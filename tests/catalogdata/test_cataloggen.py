@@ -14,7 +14,8 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.join(HERE, "..", "..")
 sys.path.insert(0, os.path.join(ROOT, "tools"))
 
-from cataloggen import gnome, po  # noqa: E402
+from catalogaudit.system import check_breeze_icons  # noqa: E402
+from cataloggen import gnome, kde, po  # noqa: E402
 from cataloggen.jsonfmt import dumps  # noqa: E402
 
 BLP = """using Gtk 4.0;
@@ -166,6 +167,147 @@ class Translations(unittest.TestCase):
             f.write(PO)
         self.addCleanup(os.unlink, f.name)
         self.assertEqual(po.msgids(f.name), {"Wi-Fi", "keybinding\u0004Screen", "Region & Language"})
+
+
+def write_tree(root, files):
+    for path, text in files.items():
+        os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
+        with open(os.path.join(root, path), "w", encoding="utf-8") as f:
+            f.write(text if isinstance(text, str) else json.dumps(text))
+
+
+def category(name, parent, weight, module=None):
+    lines = ["[Desktop Entry]", f"X-KDE-System-Settings-Category={name}",
+             f"X-KDE-System-Settings-Parent-Category={parent}", f"X-KDE-Weight={weight}",
+             f"Icon=icon-{name}", f"Name={name.title()}", f"Name[de]={name} (de)"]
+    if module:
+        lines.append(f"X-KDE-System-Settings-Category-Module={module}")
+    return "\n".join(lines) + "\n"
+
+
+def module(name, parent, weight=None, **extra):
+    data = {"KPlugin": {"Name": name.title(), "Name[de]": "x", "Icon": f"icon-{name}", **extra},
+            "X-KDE-System-Settings-Parent-Category": parent}
+    if weight is not None:
+        data["X-KDE-Weight"] = weight
+    return data
+
+
+class PlasmaSource(unittest.TestCase):
+    """The Plasma generator over a small tree of repositories."""
+
+    def test_plugin_targets_and_their_folders(self):
+        cmake = """
+kcmutils_add_qml_kcm(kcm_mouse)
+kcmutils_add_qml_kcm(kcm_about-distro SOURCES a.cpp INSTALL_NAMESPACE "plasma/kcms")
+kcoreaddons_add_plugin(kcm_fontinst SOURCES b.cpp INSTALL_NAMESPACE "plasma/kcms/systemsettings_qwidgets")
+add_library(kcm_device_automounter MODULE ${SRCS})
+install(TARGETS kcm_device_automounter DESTINATION ${KDE_INSTALL_PLUGINDIR}/plasma/kcms/systemsettings_qwidgets)
+add_library(helper MODULE x.cpp)
+"""
+        self.assertEqual(kde.plugin_targets(cmake), [
+            ("kcm_mouse", "plasma/kcms/systemsettings"),
+            ("kcm_about-distro", "plasma/kcms"),
+            ("kcm_fontinst", "plasma/kcms/systemsettings_qwidgets"),
+            ("kcm_device_automounter", "plasma/kcms/systemsettings_qwidgets"),
+            ("helper", None),
+        ])
+
+    def build(self, files, overlay_modules=(), release="6.0"):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        base = {
+            "systemsettings/categories/CMakeLists.txt":
+                "install(FILES settings-root.desktop settings-a.desktop settings-b.desktop settings-sub.desktop "
+                "settings-empty.desktop DESTINATION x)",
+            "systemsettings/categories/settings-root.desktop": category("rootcategory", "", 1),
+            "systemsettings/categories/settings-a.desktop": category("a", "", 20),
+            "systemsettings/categories/settings-b.desktop": category("b", "", 10),
+            "systemsettings/categories/settings-sub.desktop": category("sub", "a", 5, module="kcm_owner"),
+            "systemsettings/categories/settings-empty.desktop": category("empty", "b", 1),
+            "systemsettings/.tag": "v6.0.5\n",
+        }
+        base.update(files)
+        write_tree(folder.name, base)
+        overlay = {"genericIcon": "generic", "modules": list(overlay_modules), "icons": {}, "strings": {},
+                   "sources": ["KDE/big abc123"]}
+        reports = []
+        document = kde.build(folder.name, ["6.0.5"], overlay, release, reports.append)
+        return document, {p["id"]: p for p in document["panes"]}, reports
+
+    def test_tree_order_names_and_urls(self):
+        document, panes, reports = self.build({
+            "desk/kcms/landing/kcm_landingpage.json": module("kcm_landingpage", "rootcategory"),
+            "desk/kcms/landing/CMakeLists.txt": "kcmutils_add_qml_kcm(kcm_landingpage)",
+            # Named after the target, not the metadata file; in a folder above.
+            "desk/automount/kcm/automount_kcm.json": module("kcm_device_automounter", "sub", 30),
+            "desk/automount/CMakeLists.txt":
+                "add_library(kcm_device_automounter MODULE a.cpp)\n"
+                "install(TARGETS kcm_device_automounter DESTINATION ${KDE_INSTALL_PLUGINDIR}/plasma/kcms/x)",
+            "desk/kcms/owner/kcm_owner.json": module("kcm_owner", "sub", 30),
+            "desk/kcms/owner/CMakeLists.txt": "kcmutils_add_qml_kcm(kcm_owner)",
+            "desk/kcms/phone/kcm_phone.json": module("kcm_phone", "a", FormFactors=["handset"]),
+            "desk/kcms/phone/CMakeLists.txt": "kcmutils_add_qml_kcm(kcm_phone)",
+            "desk/kcms/lost/kcm_lost.json": module("kcm_lost", "nowhere"),
+            "desk/kcms/lost/CMakeLists.txt": "kcmutils_add_qml_kcm(kcm_lost)",
+            "desk/autotests/kcm_test.json": module("kcm_test", "a"),
+            "desk/.tag": "v6.0.4\n",
+        }, overlay_modules=[{"id": "kcm_late", "namespace": "plasma/kcms/systemsettings", "name": "Late",
+                             "icon": None, "parent": "a", "weight": 1, "from": "6.1"}])
+        # Categories by weight; b shows nothing (its only child is empty).
+        self.assertEqual(document["sections"], [["kcm_landingpage"], ["a"]])
+        self.assertNotIn("b", panes)
+        self.assertNotIn("empty", panes)
+        self.assertEqual(panes["a"]["children"], [["sub"]])
+        # Equal weights sort by name: Device..., then Owner.
+        self.assertEqual(panes["sub"]["children"], [["kcm_device_automounter", "kcm_owner"]])
+        # The category its module answers for is still only a heading.
+        self.assertNotIn("url", panes["sub"])
+        self.assertEqual(panes["sub"]["nameRef"],
+                         {"table": "/usr/share/systemsettings/categories/settings-sub.desktop", "key": "Name"})
+        automount = panes["kcm_device_automounter"]
+        self.assertEqual(automount["url"], "settings://kde/kcm_device_automounter")
+        self.assertEqual(automount["nameRef"], {"table": "%p/plasma/kcms/x/kcm_device_automounter.so", "key": "Name"})
+        self.assertEqual((automount["symbol"], automount["symbolFallback"]),
+                         ("icon-kcm_device_automounter", "icon-sub"))
+        for left_out in ("kcm_phone", "kcm_lost", "kcm_test", "kcm_late", "rootcategory"):
+            self.assertNotIn(left_out, panes)
+        self.assertTrue(any("kcm_phone" in r and "handset" in r for r in reports))
+        self.assertTrue(any("kcm_lost" in r and "nowhere" in r for r in reports))
+        self.assertEqual(document["source"],
+                         ["Plasma 6.0.5: KDE/desk v6.0.4, KDE/systemsettings v6.0.5, KDE/big abc123"])
+
+    def test_overlay_modules_by_release(self):
+        late = {"id": "kcm_late", "namespace": "plasma/kcms/systemsettings", "name": "Late",
+                "icon": "late", "parent": "a", "weight": 1, "from": "6.1", "until": "6.2"}
+        for release, present in (("6.0", False), ("6.1", True), ("6.2", True), ("6.3", False)):
+            _, panes, _ = self.build({}, overlay_modules=[late], release=release)
+            self.assertEqual("kcm_late" in panes, present, release)
+
+
+class BreezeIcons(unittest.TestCase):
+    def test_every_record_gets_an_icon_from_breeze(self):
+        class Audit:
+            def __init__(self):
+                self.failures, self.notes = [], []
+
+            def fail(self, where, message):
+                self.failures.append(message)
+
+            def note(self, where, message):
+                self.notes.append(message)
+
+        panes = [
+            {"id": "ok", "symbol": "preferences-desktop-display-randr", "symbolFallback": "video-display"},
+            {"id": "new", "symbol": "flatpak-discover", "symbolFallback": "preferences-security"},
+            {"id": "bad", "symbol": "preferences-desktop", "symbolFallback": "preferences-system-disks"},
+        ]
+        names = {"preferences-desktop-display", "video-display", "preferences-security", "preferences-desktop"}
+        audit = Audit()
+        check_breeze_icons(audit, "kde/6.0.json", {"panes": panes}, names)
+        self.assertEqual(audit.failures,
+                         ['symbolFallback "preferences-system-disks" is not in the installed Breeze theme'])
+        self.assertEqual(audit.notes, ["not in the installed Breeze, drawn from the fallback: flatpak-discover"])
 
 
 class DocumentFormat(unittest.TestCase):

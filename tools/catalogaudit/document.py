@@ -261,8 +261,27 @@ class CatalogChecker:
         children = self.check_id_groups(place, pane, "children", required=False)
         if url is None and not children and not self.present(pane, "url"):
             self.fail(place, "has neither a URL nor children, so it leads nowhere")
+        if self.desktop == "kde":
+            self.check_module_pane(place, pane, url, children)
         self.check_icon(place, pane)
         return pane_id, children, url
+
+    def check_module_pane(self, place, pane, url, children):
+        # System Settings opens modules, never a category: a category is a
+        # heading over its modules, even one that a module answers for.
+        if url is not None and children:
+            self.fail(place, f"url \"{url}\" on a group of modules, which System Settings cannot open")
+        ref = pane.get("nameRef")
+        table = ref.get("table") if isinstance(ref, dict) else None
+        if not isinstance(table, str) or not table.endswith(".so"):
+            return
+        plugin = table.rsplit("/", 1)[-1][:-len(".so")]
+        if url is None:
+            self.fail(place, f"named by module {plugin} but opens nothing")
+            return
+        module = url[len(f"settings://{self.desktop}/"):].split("/")[0]
+        if module != plugin:
+            self.fail(place, f"opens module \"{module}\" but is named by plugin \"{plugin}\"")
 
     def check(self, doc):
         if not isinstance(doc, dict):

@@ -291,3 +291,35 @@ def check_against_system(audit, where, desktop, checker, decoded, args, version)
                       f"{german} of them in {CHECKED_LOCALE}")
     for table in sorted(absent):
         audit.note(where, f"not checked: {table} is not installed")
+
+
+BREEZE = ["/usr/share/icons/breeze", "/usr/share/icons/breeze-dark"]
+
+
+def breeze_names():
+    """The icon names of the installed Breeze theme, or None without it."""
+    if not any(os.path.isdir(folder) for folder in BREEZE):
+        return None
+    names = set()
+    for folder in BREEZE:
+        for _, _, files in os.walk(folder):
+            names.update(os.path.splitext(f)[0] for f in files)
+    return names
+
+
+def check_breeze_icons(audit, where, decoded, names):
+    """Every pane and item of a Plasma document must get an icon from Breeze:
+    its symbol, the symbol's shorter form, or else its fallback, which must
+    exist as written. A symbol this Breeze lacks is noted: a newer Breeze, or
+    the module's own package, may ship it."""
+    drawn_by_fallback = []
+    for place, record in walk_records(decoded["panes"]):
+        fallback = record.get("symbolFallback")
+        if isinstance(fallback, str) and fallback not in names:
+            audit.fail(f"{where} {place}", f"symbolFallback \"{fallback}\" is not in the installed Breeze theme")
+        symbol = record.get("symbol")
+        if isinstance(symbol, str) and symbol not in names and shorter_name(symbol) not in names:
+            drawn_by_fallback.append(symbol)
+    if drawn_by_fallback:
+        audit.note(where, "not in the installed Breeze, drawn from the fallback: "
+                   + ", ".join(sorted(drawn_by_fallback)))
