@@ -14,6 +14,8 @@
 #include <QIcon>
 #include <QTextStream>
 
+#include <optional>
+
 namespace {
 
 struct Options {
@@ -112,22 +114,54 @@ int printMenuOrSearch(int argc, char **argv)
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+// Commands for the running instance, as bound in the desktop's keyboard settings.
+std::optional<InstanceCommand> commandFor(const QCommandLineParser &parser, const Options &options)
 {
-    if (hasArgument(argc, argv, {"--print-layout"}))
-        return printLayout(argc, argv);
-    if (hasArgument(argc, argv, {"--print-menu", "--search"}))
-        return printMenuOrSearch(argc, argv);
+    const std::pair<const QCommandLineOption *, InstanceCommand> commands[] = {
+        {&options.toggleSearch, InstanceCommand::ToggleSearch},
+        {&options.menu, InstanceCommand::PopUpMenu},
+        {&options.settings, InstanceCommand::ShowSettings},
+    };
+    for (const auto &[option, command] : commands) {
+        if (parser.isSet(*option))
+            return command;
+    }
+    return std::nullopt;
+}
 
-    // Started by the session manager at login: our children must not claim
-    // its start-up id.
-    qunsetenv("DESKTOP_AUTOSTART_ID");
-    // Whoever started us may have said that a person asked for it; a running
-    // instance needs that to take the keyboard for what it shows. Read before
-    // Qt, which takes the X11 start-up id for itself.
-    const Activation activation = Activation::fromEnvironment();
+int send(InstanceCommand command, const Activation &activation)
+{
+    if (SingleInstance::send(command, activation))
+        return 0;
+    QTextStream(stderr) << "Quillon is not running.\n";
+    return 1;
+}
+
+// A second `quillon` only passes a command on to the running one, so it
+// starts no GUI toolkit (no platform plugin, no display connection) for it.
+// Nothing when no instance runs: then this process becomes it.
+std::optional<int> forwardToRunning(int argc, char **argv, const Activation &activation)
+{
+    QCoreApplication app(argc, argv);
+    QCommandLineParser parser;
+    Options options;
+    describe(app, parser, options);
+    // Errors, help and Qt's own options (-platform …) are for the GUI
+    // application to handle, as they always were.
+    if (!parser.parse(app.arguments()) || parser.isSet(QStringLiteral("help"))
+        || parser.isSet(QStringLiteral("help-all")) || parser.isSet(QStringLiteral("version")))
+        return std::nullopt;
+
+    if (const auto command = commandFor(parser, options))
+        return send(*command, activation);
+    // Started again by hand: the running one opens its menu.
+    if (SingleInstance::send(InstanceCommand::Reopen, activation))
+        return 0;
+    return std::nullopt;
+}
+
+int runInstance(int argc, char **argv, const Activation &activation)
+{
     QApplication app(argc, argv);
     QCommandLineParser parser;
     Options options;
@@ -135,24 +169,12 @@ int main(int argc, char **argv)
     parser.process(app);
     app.setQuitOnLastWindowClosed(false);
     app.setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
-
-    // Commands for the running instance, as bound in the desktop's keyboard settings.
-    const std::pair<const QCommandLineOption *, InstanceCommand> commands[] = {
-        {&options.toggleSearch, InstanceCommand::ToggleSearch},
-        {&options.menu, InstanceCommand::PopUpMenu},
-        {&options.settings, InstanceCommand::ShowSettings},
-    };
-    for (const auto &[option, command] : commands) {
-        if (parser.isSet(*option)) {
-            if (SingleInstance::send(command, activation))
-                return 0;
-            QTextStream(stderr) << "Quillon is not running.\n";
-            return 1;
-        }
-    }
+    if (const auto command = commandFor(parser, options))
+        return send(*command, activation);
 
     SingleInstance instance;
     if (!instance.claim()) {
+        // Another one started in the meantime.
         SingleInstance::send(InstanceCommand::Reopen, activation);
         return 0;
     }
@@ -169,4 +191,27 @@ int main(int argc, char **argv)
                      });
     delegate.start();
     return app.exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (hasArgument(argc, argv, {"--print-layout"}))
+        return printLayout(argc, argv);
+    if (hasArgument(argc, argv, {"--print-menu", "--search"}))
+        return printMenuOrSearch(argc, argv);
+
+    // Started by the session manager at login: our children must not claim
+    // its start-up id.
+    qunsetenv("DESKTOP_AUTOSTART_ID");
+    // Whoever started us may have said that a person asked for it; a running
+    // instance needs that to take the keyboard for what it shows. Read before
+    // Qt, which takes the X11 start-up id for itself.
+    const Activation activation = Activation::fromEnvironment();
+    // Qt allows one application object at a time: the light one is gone
+    // before the GUI one is made.
+    if (const auto exitCode = forwardToRunning(argc, argv, activation))
+        return *exitCode;
+    return runInstance(argc, argv, activation);
 }

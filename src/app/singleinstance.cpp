@@ -110,6 +110,21 @@ QByteArray socketLine(const QString &key, const QString &value)
     return key.toUtf8() + '=' + QUrl::toPercentEncoding(value) + '\n';
 }
 
+// Commands go out on a connection of their own. The shared session
+// connection takes incoming calls only once the application object that
+// first used it runs its event loop; a client's never does, and the instance
+// that may follow in the same process must still receive commands.
+// A process that sends to itself (as tests do) stays on the
+// shared one, where Qt delivers the call without the bus.
+bool ownsBusName = false;
+
+QDBusConnection commandBus()
+{
+    if (ownsBusName)
+        return QDBusConnection::sessionBus();
+    return QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("quillon-commands"));
+}
+
 } // namespace
 
 Activation Activation::fromEnvironment()
@@ -135,8 +150,10 @@ SingleInstance::SingleInstance(QObject *parent)
 
 SingleInstance::~SingleInstance()
 {
-    if (m_onBus)
+    if (m_onBus) {
         QDBusConnection::sessionBus().unregisterService(QLatin1String(serviceName));
+        ownsBusName = false;
+    }
 }
 
 QString SingleInstance::socketPath()
@@ -164,6 +181,7 @@ bool SingleInstance::claim()
                                          QDBusConnectionInterface::DontAllowReplacement);
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
         m_onBus = true;
+        ownsBusName = true;
         return true;
     }
     bus.unregisterObject(QLatin1String(objectPath));
@@ -215,14 +233,14 @@ bool SingleInstance::claimSocket()
 
 bool SingleInstance::send(InstanceCommand command, const Activation &activation)
 {
-    if (!QDBusConnection::sessionBus().isConnected())
+    if (!commandBus().isConnected())
         return sendOverSocket(command, activation);
     return sendOverBus(command, activation);
 }
 
 bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &activation)
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnection bus = commandBus();
     if (!activation.isEmpty()) {
         const bool reopen = command == InstanceCommand::Reopen;
         QDBusMessage call = QDBusMessage::createMethodCall(
