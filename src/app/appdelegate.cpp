@@ -67,6 +67,9 @@ void AppDelegate::start()
 {
     QUILLON_ASSERT_MAIN_THREAD();
     m_services.shortcuts.refresh();
+    // The keys work as soon as this is the one instance, whether or not a
+    // panel shows the icon yet: until it does, they open the menu panel.
+    installHotKeys();
     // The tray icon waits for the panel's tray host (bounded), so the tray
     // the panel actually speaks is chosen. At login the panel may still be
     // on its way; started by hand, a panel that is not there now will not
@@ -96,7 +99,6 @@ void AppDelegate::finishLaunching()
         if (m_searchPanel)
             m_searchPanel->close();
     });
-    installHotKeys();
     switch (m_statusMenu->trayKind()) {
     case TrayKind::PopUp:
         if (!m_launchedAtLogin)
