@@ -1,5 +1,6 @@
 #include "app/singleinstance.h"
 
+#include <QDBusConnection>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -81,6 +82,33 @@ private Q_SLOTS:
         const Run run = runClient({QStringLiteral("--toggle-search")});
         QCOMPARE(run.exitCode, 1);
         QVERIFY2(run.errors.contains(QStringLiteral("not running")), qPrintable(run.errors));
+    }
+
+    // At login the panel may take seconds to offer a tray; the keys must not
+    // wait for it.
+    void hotKeysDoNotWaitForTheTray()
+    {
+        if (!QDBusConnection::sessionBus().isConnected())
+            QSKIP("the instance is started on the private bus only");
+        QTemporaryDir home;
+        QProcess quillon;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("quillon.*=true"));
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+        environment.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
+        environment.remove(QStringLiteral("DISPLAY"));
+        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        quillon.setProcessEnvironment(environment);
+        quillon.start(QStringLiteral(QUILLON_BINARY), {QStringLiteral("--autostart")});
+        QString log;
+        QTRY_VERIFY_WITH_TIMEOUT((log += QString::fromUtf8(quillon.readAllStandardError()),
+                                  log.contains(QStringLiteral("Global shortcuts through"))),
+                                 4000);
+        // No tray host here: the tray is decided only after its full wait.
+        QVERIFY2(!log.contains(QStringLiteral("quillon.tray")), qPrintable(log));
+        quillon.terminate();
+        QVERIFY(quillon.waitForFinished());
     }
 };
 
