@@ -41,10 +41,10 @@ std::optional<CategoryFolder> readDirectoryFile(const QString &path)
     const auto file = DesktopEntryFile::load(QFile::encodeName(path));
     if (!file)
         return std::nullopt;
-    const QString name = file->localeString("Name");
+    const QString name = file->localeString("Name").value_or(QString());
     if (name.isEmpty())
         return std::nullopt;
-    return CategoryFolder{name, QUrl::fromLocalFile(path), file->localeString("Icon")};
+    return CategoryFolder{name, QUrl::fromLocalFile(path), file->localeString("Icon").value_or(QString())};
 }
 
 } // namespace

@@ -67,20 +67,23 @@ QList<AppEntry> AppLibrary::scan()
 {
     const QStringList dataDirs = xdgDataDirs();
     const QStringList desktops = currentDesktops();
+    return arrange(readDesktopApps(applicationDirs(dataDirs), desktops), CategoryNames(dataDirs, desktops));
+}
 
+QList<AppEntry> AppLibrary::arrange(const QList<DesktopApp> &apps, const CategoryNames &categoryNames)
+{
     // Applications in precedence order go to their category; the first of
     // several with the same name in a category is the one kept.
     QMap<AppCategory, QList<AppEntry>> byCategory;
     QHash<AppCategory, QSet<QString>> namesByCategory;
-    for (DesktopApp &app : readDesktopApps(applicationDirs(dataDirs), desktops)) {
+    for (const DesktopApp &app : apps) {
         QSet<QString> &names = namesByCategory[app.category];
         if (names.contains(app.name))
             continue;
         names.insert(app.name);
-        byCategory[app.category].append(App{std::move(app.name), std::move(app.url), std::move(app.icon)});
+        byCategory[app.category].append(App{app.name, app.url, app.icon});
     }
 
-    const CategoryNames categoryNames(dataDirs, desktops);
     QList<AppEntry> tree;
     for (auto it = byCategory.begin(); it != byCategory.end(); ++it) {
         CategoryFolder folder = categoryNames.folder(it.key());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sources/appcategories.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -19,6 +21,7 @@ struct App {
 size_t qHash(const App &app, size_t seed = 0) noexcept;
 
 class AppEntry;
+struct DesktopApp;
 
 // A folder of the application tree: one menu category, named and drawn as
 // the desktop presents it. url is its .directory file, empty when the desktop
@@ -74,6 +77,10 @@ public:
     // application, at most one application per name within a folder, each
     // level sorted by name as people expect ("App 2" before "App 10").
     static QList<AppEntry> scan();
+
+    // The tree of the given applications, most important first; folders
+    // named as `categoryNames` says.
+    static QList<AppEntry> arrange(const QList<DesktopApp> &apps, const CategoryNames &categoryNames);
 
     // The applications of a tree, in tree order.
     static QList<App> apps(const QList<AppEntry> &entries);

@@ -48,9 +48,10 @@ std::optional<SearchResult> describeItem(const QUrl &url, const ShortcutLibrary 
         QString title = folderTitle(url);
         // An application is known by its name, not its file's.
         if (kindOf(url) == MenuItemKind::Apps) {
-            if (const auto entry = DesktopEntryFile::load(path.toUtf8());
-                entry && !entry->localeString("Name").isEmpty())
-                title = entry->localeString("Name");
+            if (const auto entry = DesktopEntryFile::load(QFile::encodeName(path))) {
+                if (const auto name = entry->localeString("Name"); name && !name->isEmpty())
+                    title = *name;
+            }
         }
         return SearchResult{title, url, FileIcon{path}};
     }
