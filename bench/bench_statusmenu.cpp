@@ -177,7 +177,7 @@ void searchKeystroke(benchmark::State &state)
     loadShortcuts(library);
     if (library.allShortcuts().size() != 500)
         state.SkipWithError("the shortcuts tool did not load");
-    const ContentSources sources(SourceContext::shared(setup.services.store, library));
+    const ContentSources sources(SourceContext::shared(setup.services.store, library, setup.services.apps));
     SearchSession session(sources);
     session.search(QStringLiteral("d"), 12); // the first keystroke fills the caches
     const QStringList queries{QStringLiteral("do"), QStringLiteral("doc"), QStringLiteral("docu"),

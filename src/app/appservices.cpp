@@ -5,7 +5,7 @@
 AppServices::AppServices()
     : store(preferences)
     , updates(preferences, QUrl(QStringLiteral(QUILLON_UPDATE_FEED)), QCoreApplication::applicationVersion())
-    , sources(SourceContext::shared(store, shortcuts))
+    , sources(SourceContext::shared(store, shortcuts, apps))
     , opener(launcher, [this](const QString &id) { shortcuts.run(id); })
 {
 }

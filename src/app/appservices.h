@@ -7,6 +7,7 @@
 #include "platform/giolauncher.h"
 #include "platform/opener.h"
 #include "settings/settingswindow.h"
+#include "sources/appindex.h"
 #include "sources/contentsources.h"
 #include "sources/shortcutlibrary.h"
 
@@ -23,6 +24,7 @@ public:
     MenuStore store;
     Updates updates;
     ShortcutLibrary shortcuts;
+    AppIndex apps;
     ContentSources sources;
     GioLauncher launcher;
     Opener opener;

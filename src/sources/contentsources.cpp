@@ -1,6 +1,7 @@
 #include "sources/contentsources.h"
 
 #include "catalog/systemstrings.h"
+#include "sources/appindex.h"
 #include "sources/itemdescription.h"
 
 // Each kind lives in a file of its own; this list is the only place that
@@ -31,9 +32,14 @@ std::size_t indexOf(MenuSource::Case kind)
 
 } // namespace
 
-SourceContext SourceContext::shared(MenuStore &store, const ShortcutLibrary &shortcuts)
+SourceContext SourceContext::shared(MenuStore &store, const ShortcutLibrary &shortcuts, AppIndex &apps)
 {
-    return SourceContext{store, shortcuts, SystemStrings::shared(), Catalog::current(), Destination::index()};
+    return SourceContext{store,
+                         shortcuts,
+                         SystemStrings::shared(),
+                         Catalog::current(),
+                         Destination::index(),
+                         [&apps] { return apps.tree(); }};
 }
 
 ContentSources::ContentSources(SourceContext context)

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 
+class AppIndex;
 class MenuStore;
 class ShortcutLibrary;
 class SystemStrings;
@@ -26,8 +27,9 @@ struct SourceContext {
     std::function<QList<AppEntry>()> scanApps = [] { return AppLibrary::scan(); };
     std::function<QList<FolderEntry>(const QUrl &, FolderSort)> listFolder = &FolderListing::list;
 
-    // The installed catalog and the session's own strings.
-    static SourceContext shared(MenuStore &store, const ShortcutLibrary &shortcuts);
+    // The installed catalog, the session's own strings and the running
+    // application index.
+    static SourceContext shared(MenuStore &store, const ShortcutLibrary &shortcuts, AppIndex &apps);
 };
 
 // The built-in kinds of content, one object each, looked up by the kind a
