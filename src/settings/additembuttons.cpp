@@ -11,13 +11,10 @@
 #include "sources/contentsources.h"
 #include "sources/shortcutlibrary.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QMenu>
-#include <QPointer>
-#include <QThreadPool>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -126,18 +123,8 @@ void AddItemButtons::chooseApplications()
     const auto &context = m_sources.context();
     auto *model = new CheckableUrlsModel(context.store);
     model->setMenu(m_menu);
-    // Reading every desktop entry can take a moment on a full system: the
-    // window stays responsive and the list fills when it is done.
-    QThreadPool::globalInstance()->start([scan = context.scanApps, model = QPointer(model)] {
-        const QList<AppEntry> apps = scan();
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [model, apps] {
-                if (model)
-                    model->setEntries(appEntries(apps));
-            },
-            Qt::QueuedConnection);
-    });
+    // The application index answers from memory.
+    model->setEntries(appEntries(context.scanApps()));
     auto *chooser = new ItemChooser(m_sources.title(MenuSource::applications()), model, m_strings,
                                     CheckableUrlsModel::FoldedTitleRole, this);
     model->setParent(chooser);
