@@ -10,8 +10,9 @@ entry, some mask one with Hidden=true), ROOT/share/desktop-directories the
 localized category names. Each entry has 10 to 88 translations of Name,
 GenericName, Comment and Keywords; some are NoDisplay, OnlyShowIn or
 NotShowIn another desktop, some have a TryExec that resolves and some one
-that does not, many have desktop actions. The same seed writes the same
-files byte for byte.
+that does not, many have desktop actions. Every Exec program is installed
+in ROOT/bin (put it on PATH: GLib leaves out entries whose program it cannot
+find). The same seed writes the same files byte for byte.
 
 With --probe, one visible entry carries WORD in its name and nowhere else,
 and runs `true`: a launcher filtering for WORD finds exactly it.
@@ -191,6 +192,13 @@ def entry_text(rng, name, category, locales, executable, extra, name_translated=
     return "\n".join(lines) + "\n"
 
 
+def install(bin_dir, program):
+    """Puts `program` on ROOT/bin, as the package of its entry would."""
+    link = os.path.join(bin_dir, program)
+    if not os.path.lexists(link):
+        os.symlink("installed-tool", link)
+
+
 def write(path, text, mode=0o644):
     os.makedirs(os.path.dirname(path), exist_ok=True)
     with open(path, "w", encoding="utf-8") as out:
@@ -263,6 +271,8 @@ def generate(count, root, seed, probe):
         # The probe keeps its name in every language, so that a launcher
         # without accent folding finds it too.
         write(path, entry_text(rng, name, category, locales, executable, extra, index != probe_index))
+        if executable != "true":
+            install(bin_dir, executable)
         if index != probe_index:
             system_ids.append((os.path.relpath(path, system).replace(os.sep, "-"), name, category, locales))
 
@@ -273,6 +283,7 @@ def generate(count, root, seed, probe):
             text = "[Desktop Entry]\nType=Application\nName={}\nExec=true\nHidden=true\n".format(name)
         else:
             text = entry_text(rng, name + " (mine)", category, locales, "my-" + desktop_id[:-8], [])
+            install(bin_dir, "my-" + desktop_id[:-8])
         write(os.path.join(user, desktop_id), text)
 
 
