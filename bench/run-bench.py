@@ -31,8 +31,22 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 SIZES = (500, 2000, 10000)
 PROBE = "zephyrquill"  # in exactly one entry's name: rofi's -auto-select then ends at once
 ROUNDS = max(2, int(os.environ.get("BENCH_ROUNDS", "8")))
+PEER_NAMES = {"GLib": "GLib: g_app_info_get_all + should_show", "rofi": "rofi's drun parse, no cache"}
 ROFI = ["rofi", "-show", "drun", "-filter", PROBE, "-auto-select", "-disable-history",
         "-no-drun-use-desktop-cache"]
+
+
+NOTES = """
+Times are medians of {rounds} rounds; a peer ran in the same rounds as Quillon, the order
+turning each round, and Quillon/peer is the median of the rounds' own ratios (below 1:
+Quillon is faster). x is "{probe}", which only one entry's name holds, so rofi's
+-auto-select ends it at once. A scan is the first read in a fresh process (rofi: its own
+drun timings from the first entry read to the sorted list); the files are in the page
+cache. The Applications submenu and the first search are the first in a fresh process
+beside a repeat. RSS is /proc/PID/status VmRSS three seconds after the search; peaks of a
+whole command are its own ru_maxrss. Start to tray is exec of `quillon --autostart` to its
+RegisterStatusNotifierItem call. Entries are read in German (LANGUAGE=de) where they have it.
+"""
 
 
 def log(text):
@@ -122,7 +136,7 @@ class Session:
                       '<policy context="default"><allow send_destination="*" eavesdrop="true"/>'
                       '<allow eavesdrop="true"/><allow own="*"/></policy></busconfig>\n'.format(self.work))
         process = subprocess.Popen(["dbus-daemon", "--config-file=" + config, "--nofork", "--print-address"],
-                                   stdout=subprocess.PIPE, stdin=subprocess.DEVNULL)
+                                   stdout=subprocess.PIPE, stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.processes.append(process)
         self.bus = process.stdout.readline().decode().strip()
         log("private session bus: {}".format(self.bus))
@@ -211,19 +225,21 @@ class Table:
     def __init__(self):
         self.rows = []
 
-    def add(self, measure, quillon, peer="—", ratio="—"):
-        self.rows.append((measure, quillon, peer, ratio))
-        log("  {} | {} | {} | {}".format(measure, quillon, peer, ratio))
+    def add(self, measure, quillon, peer="—", peer_result="—", ratio=None):
+        row = (measure, quillon, peer, peer_result, "—" if ratio is None else "{:.2f}".format(ratio))
+        self.rows.append(row)
+        log("  " + " | ".join(row))
 
     def print(self):
-        header = ("measure", "Quillon", "peer", "Quillon/peer")
-        widths = [max(len(row[i]) for row in self.rows + [header]) for i in range(4)]
+        header = ("measure", "Quillon", "peer", "peer's result", "Quillon/peer")
+        widths = [max(len(row[i]) for row in self.rows + [header]) for i in range(len(header))]
         line = lambda row: "| " + " | ".join(cell.ljust(width) for cell, width in zip(row, widths)) + " |"
         print()
         print(line(header))
         print("|" + "|".join("-" * (width + 2) for width in widths) + "|")
         for row in self.rows:
             print(line(row))
+        print(NOTES.format(rounds=ROUNDS, probe=PROBE))
 
 
 def ms(values):
@@ -250,23 +266,23 @@ def paired(measure_quillon, peers, rounds=ROUNDS):
     return times, {name: statistics.median(values) for name, values in ratios.items()}
 
 
-def rofi_parse_ms(stderr):
+def rofi_parse_ms(output):
     """rofi's own timings: from reading the first desktop entry to the sorted list."""
     marks = {}
-    for line in stderr.splitlines():
+    for line in output.splitlines():
         match = re.search(r"Timings-DEBUG: [\d:.]+: ([\d.]+) \([\d.]+\): \S+ (.*)$", line)
         if match:
             marks[match.group(2).strip()] = float(match.group(1))
     start, end = marks.get("Get Desktop apps (start)"), marks.get("Sorting done.")
     if start is None or end is None:
-        raise RuntimeError("rofi printed no drun timings:\n" + stderr[-600:])
+        raise RuntimeError("rofi printed no drun timings:\n" + output[-600:])
     return (end - start) * 1000
 
 
 def google_benchmark(session, name, size, benchmark):
     env = session.environment(size)
     result = check(run([os.path.join(session.build, "bench", name), "--benchmark_filter=^{}$".format(benchmark),
-                        "--benchmark_format=json"], env, timeout=600), name)
+                        "--benchmark_format=json", "--benchmark_min_time=3"], env, timeout=600), name)
     entry = json.loads(result.out)["benchmarks"][0]
     if entry.get("error_occurred"):
         raise RuntimeError("{} {}: {}".format(name, benchmark, entry.get("error_message")))
@@ -275,11 +291,11 @@ def google_benchmark(session, name, size, benchmark):
 
 def measure_in_process(session, table):
     entry = google_benchmark(session, "bench_firstuse", 10000, "applicationsSubmenuOpened")
-    table.add("Applications submenu opened, 10,000 entries (first / repeated)",
-              "{:.1f} / {:.1f} ms".format(entry["first_ms"], entry["real_time"]))
+    table.add("Applications submenu opened, 10,000 entries ({:.0f} folders)".format(entry["folders"]),
+              "{:.1f} ms (again: {:.1f} ms)".format(entry["first_ms"], entry["real_time"]))
     entry = google_benchmark(session, "bench_firstuse", 2000, "firstSearch")
-    table.add("first search after start, all sources, 2,000 entries (first / repeated)",
-              "{:.1f} / {:.1f} ms".format(entry["first_ms"], entry["real_time"]))
+    table.add("first search after start, all sources, 2,000 entries ({:.0f} results)".format(entry["results"]),
+              "{:.1f} ms (again: {:.1f} ms)".format(entry["first_ms"], entry["real_time"]))
 
 
 def measure_scan(session, table):
@@ -301,13 +317,13 @@ def measure_scan(session, table):
         if have_rofi:
             rofi_env = session.rofi_environment(size)
             rofi_env["G_MESSAGES_DEBUG"] = "Timings"
-            peers["rofi"] = lambda: rofi_parse_ms(check(run(ROFI, rofi_env), "rofi").err)
+            # GLib writes debug messages to standard output.
+            peers["rofi"] = lambda: rofi_parse_ms(check(run(ROFI, rofi_env), "rofi").out)
         times, ratios = paired(lambda: first("quillon"), peers)
         for peer in peers:
-            table.add("scan of {:,} entries (first in a process; apps: Quillon {:,}, GLib {:,})".format(
-                size, counts["quillon"], counts["glib"]) if peer == "GLib" else
-                "scan of {:,} entries (first in a process)".format(size),
-                ms(times["quillon"]), "{} {}".format(peer, ms(times[peer])), "{:.2f}".format(ratios[peer]))
+            shown = " ({:,} shown; GLib {:,})".format(counts["quillon"], counts["glib"]) if peer == "GLib" else ""
+            table.add("scan of {:,} entries{}".format(size, shown), ms(times["quillon"]), PEER_NAMES[peer],
+                      ms(times[peer]), ratios[peer])
 
 
 def measure_whole_search(session, table):
@@ -333,15 +349,13 @@ def measure_whole_search(session, table):
         try:
             if session.display is None:
                 times, _ = paired(quillon, {})
-                table.add("whole `quillon --search {}`, {:,} entries".format(PROBE, size), ms(times["quillon"]))
+                table.add("whole `quillon --search x`, {:,} entries".format(size), ms(times["quillon"]))
                 continue
             times, ratios = paired(quillon, {"rofi": rofi})
-            table.add("whole `quillon --search {}`, {:,} entries".format(PROBE, size), ms(times["quillon"]),
-                      "rofi -show drun -filter {} -auto-select: {}".format(PROBE, ms(times["rofi"])),
-                      "{:.2f}".format(ratios["rofi"]))
-            table.add("  peak RSS of that command, {:,} entries".format(size),
-                      "{:,} KiB".format(rss["quillon"]), "rofi {:,} KiB".format(rss["rofi"]),
-                      "{:.2f}".format(rss["quillon"] / rss["rofi"]))
+            table.add("whole `quillon --search x`, {:,} entries".format(size), ms(times["quillon"]),
+                      "`rofi -show drun -filter x -auto-select`", ms(times["rofi"]), ratios["rofi"])
+            table.add("peak RSS of that command, {:,} entries".format(size), "{:,} KiB".format(rss["quillon"]),
+                      "the same rofi", "{:,} KiB".format(rss["rofi"]), rss["quillon"] / rss["rofi"])
         finally:
             if instance:
                 session.stop_instance(instance)
@@ -362,8 +376,7 @@ def measure_client(session, table):
                                         "dbus-send").wall_ms},
             rounds=max(ROUNDS, 16))
         table.add("`quillon --toggle-search` to a running instance", ms(times["quillon"]),
-                  "dbus-send of the same call: {}".format(ms(times["dbus-send"])),
-                  "{:.2f}".format(ratios["dbus-send"]))
+                  "dbus-send of the same call", ms(times["dbus-send"]), ratios["dbus-send"])
     finally:
         session.stop_instance(instance)
 
@@ -378,7 +391,7 @@ def measure_idle_memory(session, table):
         time.sleep(3)
         status = open("/proc/{}/status".format(instance.pid)).read()
         field = lambda name: int(re.search(name + r":\s+(\d+) kB", status).group(1))
-        table.add("idle RSS of a running instance after one search, 10,000 entries (VmRSS; peak VmHWM)",
+        table.add("idle RSS of a running instance after one search, 10,000 entries",
                   "{:,} KiB (peak {:,} KiB)".format(field("VmRSS"), field("VmHWM")))
     finally:
         session.stop_instance(instance)
@@ -395,7 +408,7 @@ def measure_start(session, table):
         log(result.out.strip())
         return
     table.add("start to bus name owned, 10,000 entries", ms([float(name) for name, _ in runs]))
-    table.add("start to tray icon registered with a stand-in StatusNotifierWatcher, 10,000 entries",
+    table.add("start to tray icon (registered with a stand-in watcher), 10,000 entries",
               ms([float(tray) for _, tray in runs]))
 
 
