@@ -36,7 +36,8 @@ test-kde: deps
 bench: deps
 	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DQUILLON_BUILD_TESTS=OFF
 	cmake --build build/bench -j $(JOBS) --target quillon bench_applibrary bench_firstuse bench_startup
-	python3 bench/run-bench.py build/bench
+	python3 -B -m unittest discover -s bench -p 'test_*.py'
+	python3 -B bench/run-bench.py build/bench
 
 clean:
 	rm -rf build
