@@ -124,8 +124,10 @@ class Session:
             self.roots[size] = root
 
     def start_bus(self):
-        if not shutil.which("dbus-daemon"):
-            log("skipped: the private session bus (dbus-daemon is not installed); rows that need a bus are left out")
+        missing = [tool for tool in ("dbus-daemon", "dbus-send") if not shutil.which(tool)]
+        if missing:
+            log("skipped: a private session bus ({} not installed), and with it the rows of a running "
+                "instance".format(" and ".join(missing)))
             return
         # No service directories: nothing on this bus is started on demand.
         config = os.path.join(self.work, "bus.conf")
@@ -362,8 +364,8 @@ def measure_whole_search(session, table):
 
 
 def measure_client(session, table):
-    if not session.bus or not shutil.which("dbus-send"):
-        log("skipped: `quillon --toggle-search` beside dbus-send (no dbus-send or no bus)")
+    if not session.bus:
+        log("skipped: `quillon --toggle-search` beside dbus-send (no session bus)")
         return
     size = 2000
     instance = session.start_instance(size)
@@ -383,6 +385,7 @@ def measure_client(session, table):
 
 def measure_idle_memory(session, table):
     if not session.bus:
+        log("skipped: idle RSS of a running instance (no session bus)")
         return
     size = 10000
     instance = session.start_instance(size)
@@ -399,6 +402,7 @@ def measure_idle_memory(session, table):
 
 def measure_start(session, table):
     if not session.bus:
+        log("skipped: start to bus name and to tray icon (no session bus)")
         return
     size = 10000
     result = check(run([os.path.join(session.build, "bench", "bench_startup"), str(ROUNDS)],
@@ -417,18 +421,24 @@ def main():
         sys.exit(__doc__)
     build = os.path.abspath(sys.argv[1])
     table = Table()
+    failures = 0
     with Session(build) as session:
-        log("{} rounds per comparison; the entries are read in German where they have it".format(ROUNDS))
+        log("{} rounds per comparison; load average at start {:.2f} on {} CPUs".format(
+            ROUNDS, os.getloadavg()[0], os.cpu_count()))
         session.generate()
         session.start_bus()
         session.start_display()
-        measure_in_process(session, table)
-        measure_scan(session, table)
-        measure_whole_search(session, table)
-        measure_client(session, table)
-        measure_idle_memory(session, table)
-        measure_start(session, table)
+        # One failing measurement leaves its rows out, not the others.
+        for measure in (measure_in_process, measure_scan, measure_whole_search, measure_client,
+                        measure_idle_memory, measure_start):
+            try:
+                measure(session, table)
+            except (RuntimeError, OSError, ValueError, KeyError, subprocess.SubprocessError) as error:
+                failures += 1
+                log("failed: {}: {}".format(measure.__name__, error))
     table.print()
+    if failures:
+        sys.exit("{} measurement(s) failed; see above".format(failures))
 
 
 if __name__ == "__main__":
