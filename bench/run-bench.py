@@ -40,7 +40,7 @@ NOTES = """
 Times are medians of {rounds} rounds; a peer ran in the same rounds as Quillon, the order
 turning each round, and Quillon/peer is the median of the rounds' own ratios (below 1:
 Quillon is faster). x is "{probe}", which only one entry's name holds, so rofi's
--auto-select ends it at once. A scan is the first read in a fresh process (rofi: its own
+-auto-select ends it at once; rofi draws its window on Xvfb, Quillon prints its results. A scan is the first read in a fresh process (rofi: its own
 drun timings from the first entry read to the sorted list); the files are in the page
 cache. The Applications submenu and the first search are the first in a fresh process
 beside a repeat. RSS is /proc/PID/status VmRSS three seconds after the search; peaks of a
@@ -54,15 +54,15 @@ def log(text):
 
 
 class Run:
-    """One finished process: wall time, CPU time, peak memory and output."""
+    """One finished process: wall time, peak memory and output."""
 
-    def __init__(self, wall_ms, cpu_ms, max_rss_kb, code, out, err):
-        self.wall_ms, self.cpu_ms, self.max_rss_kb = wall_ms, cpu_ms, max_rss_kb
+    def __init__(self, wall_ms, max_rss_kb, code, out, err):
+        self.wall_ms, self.max_rss_kb = wall_ms, max_rss_kb
         self.code, self.out, self.err = code, out, err
 
 
 def run(argv, env, timeout=60):
-    """Runs argv to its end; wait4 gives this child's own CPU time and peak RSS."""
+    """Runs argv to its end; wait4 gives this child's own peak RSS."""
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
         start = time.perf_counter()
         process = subprocess.Popen(argv, env=env, stdin=subprocess.DEVNULL, stdout=out, stderr=err)
@@ -74,7 +74,7 @@ def run(argv, env, timeout=60):
         process.returncode = os.waitstatus_to_exitcode(status)
         out.seek(0)
         err.seek(0)
-        return Run(wall, (usage.ru_utime + usage.ru_stime) * 1000, usage.ru_maxrss,
+        return Run(wall, usage.ru_maxrss,
                    process.returncode, out.read().decode(errors="replace"), err.read().decode(errors="replace"))
 
 
@@ -334,18 +334,18 @@ def measure_whole_search(session, table):
     for size in (500, 2000):
         instance = session.start_instance(size) if session.bus else None
         env = session.environment(size)
-        rss = {}
+        rss = {"quillon": [], "rofi": []}
 
         def quillon():
             result = check(run([session.quillon, "--search", PROBE], env), "quillon --search")
             if PROBE not in result.out.lower():
                 raise RuntimeError("quillon --search did not find the probe:\n" + result.out[-600:])
-            rss["quillon"] = result.max_rss_kb
+            rss["quillon"].append(result.max_rss_kb)
             return result.wall_ms
 
         def rofi():
             result = check(run(ROFI, session.rofi_environment(size)), "rofi")
-            rss["rofi"] = result.max_rss_kb
+            rss["rofi"].append(result.max_rss_kb)
             return result.wall_ms
 
         try:
@@ -356,8 +356,9 @@ def measure_whole_search(session, table):
             times, ratios = paired(quillon, {"rofi": rofi})
             table.add("whole `quillon --search x`, {:,} entries".format(size), ms(times["quillon"]),
                       "`rofi -show drun -filter x -auto-select`", ms(times["rofi"]), ratios["rofi"])
-            table.add("peak RSS of that command, {:,} entries".format(size), "{:,} KiB".format(rss["quillon"]),
-                      "the same rofi", "{:,} KiB".format(rss["rofi"]), rss["quillon"] / rss["rofi"])
+            quillon_rss, rofi_rss = (statistics.median(rss[name]) for name in ("quillon", "rofi"))
+            table.add("peak RSS of that command, {:,} entries".format(size), "{:,.0f} KiB".format(quillon_rss),
+                      "the same rofi", "{:,.0f} KiB".format(rofi_rss), quillon_rss / rofi_rss)
         finally:
             if instance:
                 session.stop_instance(instance)
