@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks the entry generator and the driver's reading of rofi's timings.
+"""Checks the entry generator and the benchmark driver.
 
     python3 -m unittest discover -s bench -p 'test_*.py'
 """
@@ -105,9 +105,62 @@ class GeneratorTest(unittest.TestCase):
         self.assertEqual(holders, ["Zephyrquill Probe"])
 
 
-class RofiTimingsTest(unittest.TestCase):
+class DriverTest(unittest.TestCase):
     def setUp(self):
         self.driver = load("run_bench", "run-bench.py")
+
+    def test_paired_turns_the_order_and_compares_within_a_round(self):
+        order = []
+        # Each round is slower than the one before, as on a machine that gets
+        # busier: only ratios taken within a round stay fair.
+        def runner(name, factor):
+            def measure():
+                order.append(name)
+                return factor * (1 + (len(order) - 1) // 3)
+            return measure
+
+        times, ratios = self.driver.paired(runner("quillon", 1.0), {"a": runner("a", 2.0), "b": runner("b", 4.0)},
+                                           rounds=6)
+        firsts = [order[i] for i in range(0, len(order), 3)]
+        self.assertEqual(sorted(firsts), ["a", "a", "b", "b", "quillon", "quillon"])
+        self.assertEqual(len(times["quillon"]), 6)
+        self.assertAlmostEqual(ratios["a"], 0.5)
+        self.assertAlmostEqual(ratios["b"], 0.25)
+
+    def test_environment_leaks_nothing_of_the_callers_desktop(self):
+        polluted = {"XDG_DATA_DIRS": "/usr/share", "XDG_DATA_HOME": "/root/.local/share", "DISPLAY": ":9",
+                    "WAYLAND_DISPLAY": "wayland-0", "QT_QPA_PLATFORM": "xcb", "LC_ALL": "de_DE.UTF-8",
+                    "DBUS_SESSION_BUS_ADDRESS": "unix:path=/run/user/0/bus", "QUILLON_TRAY": "qt"}
+        saved = {key: os.environ.get(key) for key in polluted}
+        os.environ.update(polluted)
+        try:
+            session = self.driver.Session("/nonexistent")
+            session.roots[500] = os.path.join(session.work, "entries-500")
+            session.display = ":42"
+            env = session.environment(500)
+            rofi_env = session.rofi_environment(500)
+        finally:
+            for key, value in saved.items():
+                if value is None:
+                    os.environ.pop(key, None)
+                else:
+                    os.environ[key] = value
+            session.__exit__(None, None, None)
+        for key in ("XDG_DATA_DIRS", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "HOME"):
+            self.assertTrue(env[key].startswith(session.work), key)
+        self.assertTrue(env["PATH"].startswith(os.path.join(session.roots[500], "bin") + os.pathsep))
+        self.assertEqual(env["QT_QPA_PLATFORM"], "offscreen")
+        for key in ("DISPLAY", "WAYLAND_DISPLAY", "LC_ALL", "DBUS_SESSION_BUS_ADDRESS", "QUILLON_TRAY"):
+            self.assertNotIn(key, env)
+        self.assertEqual(rofi_env["DISPLAY"], ":42")
+
+    def test_run_reports_output_and_ends_a_hung_process(self):
+        done = self.driver.run(["sh", "-c", "echo out; echo err >&2; exit 3"], dict(os.environ))
+        self.assertEqual((done.code, done.out, done.err), (3, "out\n", "err\n"))
+        self.assertGreater(done.max_rss_kb, 0)
+        hung = self.driver.run(["sleep", "30"], dict(os.environ), timeout=0.3)
+        self.assertNotEqual(hung.code, 0)
+        self.assertLess(hung.wall_ms, 10000)
 
     def test_parse_spans_first_entry_to_sorted_list(self):
         output = "\n".join([
