@@ -40,12 +40,13 @@ NOTES = """
 Times are medians of {rounds} rounds; a peer ran in the same rounds as Quillon, the order
 turning each round, and Quillon/peer is the median of the rounds' own ratios (below 1:
 Quillon is faster). x is "{probe}", which only one entry's name holds, so rofi's
--auto-select ends it at once; rofi draws its window on Xvfb, Quillon prints its results. A scan is the first read in a fresh process (rofi: its own
-drun timings from the first entry read to the sorted list); the files are in the page
-cache. The Applications submenu and the first search are the first in a fresh process
-beside a repeat. RSS is /proc/PID/status VmRSS three seconds after the search; peaks of a
-whole command are its own ru_maxrss. Start to tray is exec of `quillon --autostart` to its
-RegisterStatusNotifierItem call. Entries are read in German (LANGUAGE=de) where they have it.
+-auto-select ends it at once; rofi draws its window on Xvfb, Quillon prints its results.
+A scan is the first read in a fresh process (rofi: its own drun timings from the first
+entry read to the sorted list); the files are in the page cache. The Applications
+submenu and the first search are the first in a fresh process beside a repeat. Idle RSS
+is /proc/PID/status VmRSS three seconds after the search; the peak of a whole command is
+its own ru_maxrss. Start to tray is exec of `quillon --autostart` until it calls
+RegisterStatusNotifierItem. Entries are read in German (LANGUAGE=de) where they have it.
 """
 
 
