@@ -1,6 +1,7 @@
 # Two commands do all set-up on a fresh machine:
 #   make run   builds Quillon and starts it (under Xvfb with a tray host when there is no display)
 #   make test  builds with warnings as errors and runs every test
+#   make bench measures the application index beside rofi and GLib (takes minutes)
 #   make test-kde  checks the hot keys on KWin with Plasma's shortcut daemon (installs KWin as root)
 JOBS ?= $(shell nproc)
 RELEASE_DIR := build/release
@@ -30,10 +31,13 @@ test-kde: deps
 	cmake --build $(DEBUG_DIR) -j $(JOBS) --target quillon
 	bash tests/e2e/kde-hotkeys.sh $(DEBUG_DIR)/bin/quillon $(DEBUG_DIR)/tests/artifacts/kde-hotkeys
 
+# Quillon's applications beside rofi and GLib, on generated desktop entries
+# (takes minutes; rofi and Xvfb are used when installed, never installed here).
 bench: deps
 	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DQUILLON_BUILD_TESTS=OFF
-	cmake --build build/bench -j $(JOBS)
-	@for b in build/bench/bench/*; do [ -x "$$b" ] && "$$b" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true; done; true
+	cmake --build build/bench -j $(JOBS) --target quillon bench_applibrary bench_firstuse bench_startup
+	python3 -B -m unittest discover -s bench -p 'test_*.py'
+	python3 -B bench/run-bench.py build/bench
 
 clean:
 	rm -rf build
