@@ -2,10 +2,22 @@
 
 #include <QCoreApplication>
 
-AppServices::AppServices()
+namespace {
+
+SourceContext contextOf(MenuStore &store, const ShortcutLibrary &shortcuts, std::function<QList<AppEntry>()> scanApps)
+{
+    SourceContext context = SourceContext::shared(store, shortcuts);
+    if (scanApps)
+        context.scanApps = std::move(scanApps);
+    return context;
+}
+
+} // namespace
+
+AppServices::AppServices(std::function<QList<AppEntry>()> scanApps)
     : store(preferences)
     , updates(preferences, QUrl(QStringLiteral(QUILLON_UPDATE_FEED)), QCoreApplication::applicationVersion())
-    , sources(SourceContext::shared(store, shortcuts))
+    , sources(contextOf(store, shortcuts, std::move(scanApps)))
     , opener(launcher, [this](const QString &id) { shortcuts.run(id); })
 {
 }

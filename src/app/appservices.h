@@ -15,7 +15,9 @@
 class AppServices
 {
 public:
-    AppServices();
+    // scanApps stands in for the applications scan of the sources: a one-off
+    // run starts it early, on a thread of its own.
+    explicit AppServices(std::function<QList<AppEntry>()> scanApps = {});
     AppServices(const AppServices &) = delete;
     AppServices &operator=(const AppServices &) = delete;
 
