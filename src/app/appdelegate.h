@@ -28,6 +28,7 @@ public:
     // Another `quillon` was started, or asked for something.
     void handle(InstanceCommand command);
 
+    AppServices &services() { return m_services; }
     StatusMenuController *statusMenu() const { return m_statusMenu.get(); }
     void showSettings();
     // The search hot key: shows the search panel, or closes it when shown.

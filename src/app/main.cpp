@@ -1,16 +1,15 @@
 #include "app/appdelegate.h"
 #include "app/appservices.h"
 #include "app/layoutprinter.h"
-#include "app/menuprinter.h"
+#include "app/queryanswerer.h"
 #include "app/singleinstance.h"
-#include "app/statusmenu.h"
 #include "catalog/localization.h"
 #include "catalog/owntranslation.h"
 #include "platform/fileicons.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QIcon>
 #include <QTextStream>
 
@@ -72,8 +71,36 @@ int printLayout(int argc, char **argv)
     return 0;
 }
 
-// The menu and the search as they are right now, drawn off screen.
-int printMenuOrSearch(int argc, char **argv)
+std::optional<InstanceQuery> queryFor(const QCommandLineParser &parser, const Options &options)
+{
+    if (parser.isSet(options.search))
+        return SearchQuery{parser.value(options.search)};
+    if (parser.isSet(options.printMenu))
+        return MenuQuery{parser.value(options.depth).toInt()};
+    return std::nullopt;
+}
+
+// The running instance has its applications and shortcuts loaded already,
+// so it answers at once; the question goes to it without starting the GUI
+// toolkit here. Nothing when no instance answers.
+std::optional<QString> askRunning(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    QCommandLineParser parser;
+    Options options;
+    describe(app, parser, options);
+    // Errors and help are the local path's to print.
+    if (!parser.parse(app.arguments()) || parser.isSet(QStringLiteral("help"))
+        || parser.isSet(QStringLiteral("help-all")) || parser.isSet(QStringLiteral("version")))
+        return std::nullopt;
+    const auto query = queryFor(parser, options);
+    return query ? SingleInstance::ask(*query) : std::nullopt;
+}
+
+// The menu and the search as they are right now, drawn off screen, when no
+// instance can tell. The applications folders are read on a thread of their
+// own while the catalog loads and the shortcuts tool runs.
+int answerHere(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
@@ -81,37 +108,36 @@ int printMenuOrSearch(int argc, char **argv)
     Options options;
     describe(app, parser, options);
     parser.process(app);
+    const auto query = queryFor(parser, options);
+    if (!query)
+        return 1;
     ensureIconTheme();
     installOwnTranslation(preferredLanguages());
 
+    // The application index scans on its own thread while the shortcut
+    // listing runs.
     AppServices services;
-    // Shortcuts come from a tool; give it a moment, as a person opening the
-    // menu a little after start would.
-    const auto loadShortcuts = [&services] {
-        services.shortcuts.refresh();
-        QElapsedTimer waited;
-        waited.start();
-        while (services.shortcuts.isRefreshing() && waited.elapsed() < 10000)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    };
-    loadShortcuts();
+    services.shortcuts.refresh();
+    QueryAnswerer answerer(services.statusMenuServices());
+    std::optional<QString> text;
+    QEventLoop loop;
+    answerer.answer(*query, [&text, &loop](const QString &answer) {
+        text = answer;
+        loop.quit();
+    });
+    if (!text)
+        loop.exec();
+    QTextStream(stdout) << *text;
+    return 0;
+}
 
-    QTextStream out(stdout);
-    if (parser.isSet(options.search)) {
-        SearchSession session(services.sources);
-        for (const auto &group : session.search(parser.value(options.search).trimmed(), StatusMenu::maxResults)) {
-            out << group.title << '\n';
-            for (const auto &result : group.results)
-                out << "  " << result.title << "  <" << result.url.toString() << ">\n";
-        }
+int printMenuOrSearch(int argc, char **argv)
+{
+    if (const auto answer = askRunning(argc, argv)) {
+        QTextStream(stdout) << *answer;
         return 0;
     }
-    StatusMenu menu(services.statusMenuServices(), [] {});
-    menu.rebuild();
-    // The opening reloads the shortcuts too; let that finish before leaving.
-    loadShortcuts();
-    out << menuText(menu.menu(), std::max(1, parser.value(options.depth).toInt()));
-    return 0;
+    return answerHere(argc, argv);
 }
 
 // Commands for the running instance, as bound in the desktop's keyboard settings.
@@ -182,6 +208,9 @@ int runInstance(int argc, char **argv, const Activation &activation)
     ensureIconTheme();
     installOwnTranslation(preferredLanguages());
     AppDelegate delegate(parser.isSet(options.autostart));
+    QueryAnswerer answerer(delegate.services().statusMenuServices());
+    instance.setQueryHandler(
+        [&answerer](const InstanceQuery &query, QueryReply reply) { answerer.answer(query, std::move(reply)); });
     QObject::connect(&instance, &SingleInstance::commandReceived, &delegate,
                      [&delegate](InstanceCommand command, const Activation &activation) {
                          // The windows the command raises ask for the keyboard

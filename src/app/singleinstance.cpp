@@ -24,16 +24,19 @@ constexpr const char *applicationInterface = "org.freedesktop.Application";
 const QString tokenKey = QStringLiteral("activation-token");
 const QString startupIdKey = QStringLiteral("desktop-startup-id");
 
-// The bus face of the running instance: one method per command.
+// The bus face of the running instance: one method per command, and the
+// questions, answered when the handler has the text (it may wait for the
+// shortcuts tool), without holding up other calls meanwhile.
 class InstanceAdaptor : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "app.quillon.Quillon")
 
 public:
-    explicit InstanceAdaptor(SingleInstance *instance)
+    InstanceAdaptor(SingleInstance *instance, const QueryHandler &queries)
         : QDBusAbstractAdaptor(instance)
         , m_instance(instance)
+        , m_queries(queries)
     {
     }
 
@@ -43,8 +46,33 @@ public Q_SLOTS:
     void PopUpMenu() { Q_EMIT m_instance->commandReceived(InstanceCommand::PopUpMenu, {}); }
     void ShowSettings() { Q_EMIT m_instance->commandReceived(InstanceCommand::ShowSettings, {}); }
 
+    QString Search(const QString &text, const QDBusMessage &message)
+    {
+        answer(SearchQuery{text}, message);
+        return {};
+    }
+
+    QString PrintMenu(int depth, const QDBusMessage &message)
+    {
+        answer(MenuQuery{depth}, message);
+        return {};
+    }
+
 private:
+    void answer(const InstanceQuery &query, const QDBusMessage &message)
+    {
+        message.setDelayedReply(true);
+        if (!m_queries) {
+            QDBusConnection::sessionBus().send(message.createErrorReply(
+                QDBusError::NotSupported, QStringLiteral("This Quillon answers no questions")));
+            return;
+        }
+        m_queries(query,
+                  [message](const QString &text) { QDBusConnection::sessionBus().send(message.createReply(text)); });
+    }
+
     SingleInstance *m_instance;
+    const QueryHandler &m_queries;
 };
 
 Activation activationFrom(const QVariantMap &platformData)
@@ -170,7 +198,7 @@ bool SingleInstance::claim()
     if (!bus.isConnected())
         return claimSocket();
 
-    new InstanceAdaptor(this);
+    new InstanceAdaptor(this, m_queryHandler);
     new ApplicationAdaptor(this);
     if (!bus.registerObject(QLatin1String(objectPath), this)) {
         qCWarning(lcApp, "Could not export %s on the session bus", objectPath);
@@ -263,6 +291,40 @@ bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &acti
                                                              QLatin1String(serviceName), enumToString(command));
     const QDBusMessage reply = bus.call(call, QDBus::Block, socketTimeoutMs);
     return reply.type() == QDBusMessage::ReplyMessage;
+}
+
+void SingleInstance::setQueryHandler(QueryHandler handler)
+{
+    m_queryHandler = std::move(handler);
+}
+
+std::optional<QString> SingleInstance::ask(const InstanceQuery &query)
+{
+    QDBusConnection bus = commandBus();
+    if (!bus.isConnected())
+        return std::nullopt;
+    QDBusMessage call;
+    if (const auto *search = std::get_if<SearchQuery>(&query)) {
+        call = QDBusMessage::createMethodCall(QLatin1String(serviceName), QLatin1String(objectPath),
+                                              QLatin1String(serviceName), QStringLiteral("Search"));
+        call << search->text;
+    } else {
+        call = QDBusMessage::createMethodCall(QLatin1String(serviceName), QLatin1String(objectPath),
+                                              QLatin1String(serviceName), QStringLiteral("PrintMenu"));
+        call << std::get<MenuQuery>(query).depth;
+    }
+    // A question is no reason to start an instance.
+    call.setAutoStartService(false);
+    const QDBusMessage reply = bus.call(call, QDBus::Block, queryTimeoutMs);
+    if (reply.type() == QDBusMessage::ReplyMessage && reply.arguments().size() == 1
+        && reply.arguments().constFirst().metaType() == QMetaType::fromType<QString>())
+        return reply.arguments().constFirst().toString();
+    const QDBusError error(reply);
+    if (error.type() == QDBusError::ServiceUnknown)
+        return std::nullopt;
+    qCWarning(lcApp, "The running Quillon did not answer (%s: %s); answering here", qUtf8Printable(error.name()),
+              qUtf8Printable(error.message()));
+    return std::nullopt;
 }
 
 bool SingleInstance::sendOverSocket(InstanceCommand command, const Activation &activation)

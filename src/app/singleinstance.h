@@ -4,7 +4,9 @@
 
 #include <QObject>
 
+#include <functional>
 #include <optional>
+#include <variant>
 
 class QLocalServer;
 
@@ -20,6 +22,22 @@ struct EnumCases<InstanceCommand> {
         {InstanceCommand::ShowSettings, "ShowSettings"},
     }};
 };
+
+// Questions another `quillon` asks the running one, which has everything
+// loaded already; the answer is the text to print.
+struct SearchQuery {
+    QString text;
+    bool operator==(const SearchQuery &) const = default;
+};
+
+struct MenuQuery {
+    int depth = 2; // submenu levels filled
+    bool operator==(const MenuQuery &) const = default;
+};
+
+using InstanceQuery = std::variant<SearchQuery, MenuQuery>;
+using QueryReply = std::function<void(const QString &text)>;
+using QueryHandler = std::function<void(const InstanceQuery &query, QueryReply reply)>;
 
 // The proof that a person just asked for something, handed by the desktop to
 // the process it started (a key binding, a launcher). Compositors give the
@@ -60,6 +78,8 @@ public:
 // same object: Activate for Reopen, ActivateAction with the command's name
 // for the others, the activation in the platform data
 // ("activation-token", "desktop-startup-id").
+//
+// Questions are bus-only: Search(s text) -> s and PrintMenu(i depth) -> s.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -77,6 +97,16 @@ public:
     // Sends a command to the running instance; false when none answered.
     static bool send(InstanceCommand command, const Activation &activation = {});
 
+    // Answers questions from other processes; handler must call reply
+    // exactly once, now or later. Without a handler questions are refused.
+    void setQueryHandler(QueryHandler handler);
+    // The running instance's answer; none when no instance is on the bus,
+    // or it could not answer (an older one, a failure, no reply in time).
+    static std::optional<QString> ask(const InstanceQuery &query);
+    // How long ask() waits: the instance may first wait for the shortcuts
+    // tool, as the menu does.
+    static constexpr int queryTimeoutMs = 15000;
+
     // The socket used without a session bus.
     static QString socketPath();
 
@@ -88,6 +118,7 @@ private:
     static bool sendOverBus(InstanceCommand command, const Activation &activation);
     static bool sendOverSocket(InstanceCommand command, const Activation &activation);
 
+    QueryHandler m_queryHandler;
     QLocalServer *m_server = nullptr;
     bool m_onBus = false;
 };
