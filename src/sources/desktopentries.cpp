@@ -8,16 +8,57 @@
 
 #include <glib.h>
 
+#include <QThread>
+
 #include <algorithm>
+#include <fcntl.h>
+#include <future>
 #include <optional>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace {
 
+// Directories stay open while their entries are read, so each file opens
+// relative to its folder rather than by a full path the kernel walks again.
+class OpenDirectories
+{
+public:
+    // More would risk the process's limit on open files; entries of further
+    // folders open by path.
+    static constexpr qsizetype maximum = 256;
+
+    OpenDirectories() = default;
+    ~OpenDirectories()
+    {
+        for (const int fd : std::as_const(m_fds))
+            ::close(fd);
+    }
+    OpenDirectories(const OpenDirectories &) = delete;
+    OpenDirectories &operator=(const OpenDirectories &) = delete;
+
+    // A descriptor of its own for an open directory, or AT_FDCWD.
+    int keep(int fd)
+    {
+        if (m_fds.size() >= maximum)
+            return AT_FDCWD;
+        const int kept = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
+        if (kept < 0)
+            return AT_FDCWD;
+        m_fds.append(kept);
+        return kept;
+    }
+
+private:
+    QList<int> m_fds;
+};
+
 struct DesktopFile {
     QString id;
     QByteArray path;
+    int directory = AT_FDCWD; // open, holding the file
+    QByteArray name;          // within `directory`
 };
 
 struct DirectoryKey {
@@ -34,21 +75,27 @@ size_t qHash(const DirectoryKey &key, size_t seed = 0) noexcept
 // Deep enough for any real tree; the visited set already stops link loops.
 constexpr int maximumFolderDepth = 16;
 
+struct Collection {
+    QSet<DirectoryKey> visited;
+    OpenDirectories open;
+    QList<DesktopFile> files;
+    QStringList directories;
+};
+
 // Collects the .desktop files below one applications folder with their
 // desktop file IDs (the relative path with '/' turned into '-'). A name
 // ending in .desktop is an entry whatever it is, as GLib takes it; other
 // directories are walked, each real one once.
-void collectDesktopFiles(const QByteArray &dirPath, const QString &idPrefix, int depth, QSet<DirectoryKey> &visited,
-                         QList<DesktopFile> &files, QStringList &directories)
+void collectDesktopFiles(const QByteArray &dirPath, const QString &idPrefix, int depth, Collection &collection)
 {
     DirReader reader(dirPath, depth == 0 ? DirReader::MissingIs::Silent : DirReader::MissingIs::Logged);
     if (!reader.isOpen())
         return;
     struct stat status { };
-    if (::fstat(reader.fd(), &status) != 0 || visited.contains({status.st_dev, status.st_ino}))
+    if (::fstat(reader.fd(), &status) != 0 || collection.visited.contains({status.st_dev, status.st_ino}))
         return;
-    visited.insert({status.st_dev, status.st_ino});
-    directories.append(QFile::decodeName(dirPath));
+    collection.visited.insert({status.st_dev, status.st_ino});
+    collection.directories.append(QFile::decodeName(dirPath));
 
     QList<std::pair<QByteArray, bool>> children;
     DirReader::Entry entry;
@@ -62,34 +109,105 @@ void collectDesktopFiles(const QByteArray &dirPath, const QString &idPrefix, int
     // Listing order is arbitrary; sorting makes "first found" reproducible.
     std::sort(children.begin(), children.end());
 
+    const int directory = collection.open.keep(reader.fd());
     for (const auto &[name, isDirectory] : std::as_const(children)) {
         const QByteArray path = dirPath + '/' + name;
-        if (!isDirectory)
-            files.append({idPrefix + QFile::decodeName(name), path});
-        else if (depth < maximumFolderDepth)
-            collectDesktopFiles(path, idPrefix + QFile::decodeName(name) + QLatin1Char('-'), depth + 1, visited, files,
-                                directories);
+        if (!isDirectory) {
+            collection.files.append(
+                {idPrefix + QFile::decodeName(name), path, directory, directory == AT_FDCWD ? path : name});
+        } else if (depth < maximumFolderDepth) {
+            collectDesktopFiles(path, idPrefix + QFile::decodeName(name) + QLatin1Char('-'), depth + 1, collection);
+        }
     }
 }
 
-// Whether programs named by TryExec and Exec exist. Many entries name the
-// same few programs, and PATH does not change during a scan.
+// The programs in the folders of PATH, listed once per scan: probing every
+// folder for every entry's program costs more than reading the entries.
+class PathListing
+{
+public:
+    PathListing()
+    {
+        const QByteArray path = qgetenv("PATH");
+        // GLib's default when PATH is unset.
+        const QByteArrayList folders = (path.isNull() ? QByteArray("/bin:/usr/bin:.") : path).split(':');
+        for (const QByteArray &folder : folders) {
+            DirReader reader(folder.isEmpty() ? QByteArray(".") : folder, DirReader::MissingIs::Silent);
+            if (!reader.isOpen())
+                continue;
+            Folder listed;
+            DirReader::Entry entry;
+            while (reader.next(entry)) {
+                if (entry.type != DT_DIR)
+                    listed.types.insert(QByteArray(entry.name), entry.type);
+            }
+            listed.fd = m_open.keep(reader.fd());
+            if (listed.fd != AT_FDCWD)
+                m_folders.append(std::move(listed));
+        }
+    }
+
+    // Whether g_find_program_in_path would find the program: an executable
+    // file of that name in a folder of PATH.
+    bool found(const QByteArray &program) const
+    {
+        if (program.contains('/')) {
+            char *path = g_find_program_in_path(program.constData());
+            g_free(path);
+            return path != nullptr;
+        }
+        return std::any_of(m_folders.begin(), m_folders.end(), [&program](const Folder &folder) {
+            const auto type = folder.types.constFind(program);
+            return type != folder.types.cend() && isExecutableFile(folder.fd, program, *type);
+        });
+    }
+
+private:
+    struct Folder {
+        int fd = AT_FDCWD;
+        QHash<QByteArray, unsigned char> types;
+    };
+
+    static bool isExecutableFile(int folder, const QByteArray &name, unsigned char type)
+    {
+        static const bool root = ::getuid() == 0;
+        struct stat status { };
+        // A link may lead to a folder; a regular file needs no second look
+        // unless access() is root's, which lets root execute anything.
+        if ((type != DT_REG || root)
+            && (::fstatat(folder, name.constData(), &status, 0) != 0 || S_ISDIR(status.st_mode)))
+            return false;
+        if (::faccessat(folder, name.constData(), X_OK, 0) != 0)
+            return false;
+        return !root || (S_ISREG(status.st_mode) && (status.st_mode & 0111));
+    }
+
+    OpenDirectories m_open;
+    QList<Folder> m_folders;
+};
+
+// Whether programs named by TryExec and Exec exist, remembered for the
+// scan: entries often name the same program.
 class ProgramLookup
 {
 public:
+    explicit ProgramLookup(const PathListing &path)
+        : m_path(path)
+    {
+    }
+
     bool found(const QByteArray &program)
     {
         const auto known = m_found.constFind(program);
         if (known != m_found.cend())
             return *known;
-        char *path = g_find_program_in_path(program.constData());
-        g_free(path);
-        m_found.insert(program, path != nullptr);
-        return path != nullptr;
+        const bool found = m_path.found(program);
+        m_found.insert(program, found);
+        return found;
     }
 
     // The program an Exec line runs, as a shell would split the line.
-    std::optional<QByteArray> execProgram(const QByteArray &exec)
+    static std::optional<QByteArray> execProgram(const QByteArray &exec)
     {
         // Most lines have no quoting at all: the first word is the program.
         if (exec.indexOf('"') < 0 && exec.indexOf('\'') < 0 && exec.indexOf('\\') < 0 && exec.indexOf('#') < 0) {
@@ -112,6 +230,7 @@ public:
 private:
     static bool isWordBreak(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
+    const PathListing &m_path;
     QHash<QByteArray, bool> m_found;
 };
 
@@ -166,7 +285,7 @@ QString unnamed()
 std::optional<DesktopApp> readDesktopApp(const DesktopFile &desktopFile, const DesktopEntryRules &rules,
                                          ProgramLookup &programs)
 {
-    const auto file = DesktopEntryFile::load(desktopFile.path, rules.languages);
+    const auto file = DesktopEntryFile::loadAt(desktopFile.directory, desktopFile.name, rules.languages);
     if (!file || !file->startsWithDesktopEntry() || file->string("Type") != QLatin1String("Application")
         || !programsFound(*file, programs) || file->boolean("Hidden") || file->boolean("NoDisplay")
         || !showsIn(*file, rules.desktops)) {
@@ -181,16 +300,41 @@ std::optional<DesktopApp> readDesktopApp(const DesktopFile &desktopFile, const D
 
 FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
 {
-    QList<DesktopFile> files;
+    Collection collection;
+    collectDesktopFiles(QFile::encodeName(dir), QString(), 0, collection);
     FolderApps folder;
-    QSet<DirectoryKey> visited;
-    collectDesktopFiles(QFile::encodeName(dir), QString(), 0, visited, files, folder.directories);
-    ProgramLookup programs;
-    for (const DesktopFile &file : std::as_const(files)) {
-        if (folder.ids.contains(file.id))
-            continue;
-        folder.ids.insert(file.id);
-        if (auto app = readDesktopApp(file, rules, programs))
+    folder.directories = std::move(collection.directories);
+    QList<DesktopFile> files;
+    for (DesktopFile &file : collection.files) {
+        if (!folder.ids.contains(file.id)) {
+            folder.ids.insert(file.id);
+            files.append(std::move(file));
+        }
+    }
+
+    if (files.isEmpty())
+        return folder;
+    // Reading is mostly waiting on system calls; the cores share it.
+    const PathListing path;
+    QList<std::optional<DesktopApp>> apps(files.size());
+    const auto read = [&](qsizetype from, qsizetype to) {
+        ProgramLookup programs(path);
+        for (qsizetype i = from; i < to; ++i)
+            apps[i] = readDesktopApp(files[i], rules, programs);
+    };
+    constexpr qsizetype filesPerThread = 100;
+    const qsizetype threads =
+        std::clamp<qsizetype>(files.size() / filesPerThread, 1, std::min(4, QThread::idealThreadCount()));
+    const qsizetype chunk = (files.size() + threads - 1) / threads;
+    std::vector<std::future<void>> others;
+    for (qsizetype t = 1; t < threads; ++t)
+        others.push_back(std::async(std::launch::async, read, t * chunk, std::min(files.size(), (t + 1) * chunk)));
+    read(0, std::min(files.size(), chunk));
+    for (auto &other : others)
+        other.wait();
+
+    for (auto &app : apps) {
+        if (app)
             folder.apps.append(std::move(*app));
     }
     return folder;

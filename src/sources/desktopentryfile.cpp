@@ -43,8 +43,9 @@ bool isLocaleCharacter(const char *p, const char *end, const char **next)
 }
 
 // Key names: anything but '=', '[' and ']', not starting or ending in a
-// space, optionally followed by one [locale] suffix.
-bool isKeyName(const char *start, const char *end)
+// space, optionally followed by one [locale] suffix, which `locale` then
+// holds.
+bool isKeyName(const char *start, const char *end, QByteArrayView &locale)
 {
     const char *q = start;
     while (q < end && *q != '=' && *q != '[' && *q != ']')
@@ -52,12 +53,13 @@ bool isKeyName(const char *start, const char *end)
     if (q == start || *start == ' ' || q[-1] == ' ')
         return false;
     if (q < end && *q == '[') {
-        ++q;
+        const char *const open = ++q;
         const char *next = nullptr;
         while (q < end && isLocaleCharacter(q, end, &next))
             q = next;
         if (q >= end || *q != ']')
             return false;
+        locale = QByteArrayView(open, q);
         ++q;
     }
     return q == end;
@@ -87,15 +89,6 @@ std::optional<QByteArrayView> groupHeader(const char *start, const char *end)
             return std::nullopt;
     }
     return QByteArrayView(start + 1, close);
-}
-
-// The locale of "Key[locale]", if the key has one.
-std::optional<QByteArrayView> localeOf(QByteArrayView key)
-{
-    const qsizetype open = key.lastIndexOf('[');
-    if (open < 0 || key.size() - open <= 2)
-        return std::nullopt;
-    return key.sliced(open + 1, key.size() - open - 2);
 }
 
 bool isInteresting(QByteArrayView locale, const QByteArrayList &languages)
@@ -166,11 +159,12 @@ bool isUtf8(QByteArrayView value)
     return g_utf8_validate_len(value.data(), gsize(value.size()), nullptr);
 }
 
-// Reads a whole regular file, at most `limit` bytes. Opening does not wait
-// for a writer, so a FIFO in a scanned folder costs nothing.
-std::optional<QByteArray> readRegularFile(const QByteArray &path, qint64 limit)
+// Reads a whole regular file, at most `limit` bytes; `path` is relative to
+// `directory` unless absolute. Opening does not wait for a writer, so a FIFO
+// in a scanned folder costs nothing.
+std::optional<QByteArray> readRegularFile(int directory, const QByteArray &path, qint64 limit)
 {
-    const int fd = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const int fd = ::openat(directory, path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0)
         return std::nullopt;
     struct Closer {
@@ -199,15 +193,17 @@ std::optional<QByteArray> readRegularFile(const QByteArray &path, qint64 limit)
                 return tooLarge();
             data.resize(std::min<qsizetype>(data.size() * 2, limit + 1));
         }
-        const ssize_t count = ::read(fd, data.data() + filled, size_t(data.size() - filled));
-        if (count == 0)
-            break;
+        const ssize_t wanted = data.size() - filled;
+        const ssize_t count = ::read(fd, data.data() + filled, size_t(wanted));
         if (count < 0) {
             if (errno == EINTR || errno == EAGAIN)
                 continue;
             return std::nullopt;
         }
         filled += count;
+        // A regular file reads short only at its end.
+        if (count < wanted)
+            break;
     }
     data.truncate(filled);
     return data;
@@ -225,7 +221,13 @@ QByteArrayList sessionLanguages()
 
 std::optional<DesktopEntryFile> DesktopEntryFile::load(const QByteArray &path, const QByteArrayList &languages)
 {
-    auto data = readRegularFile(path, maximumSize);
+    return loadAt(AT_FDCWD, path, languages);
+}
+
+std::optional<DesktopEntryFile> DesktopEntryFile::loadAt(int directory, const QByteArray &path,
+                                                         const QByteArrayList &languages)
+{
+    auto data = readRegularFile(directory, path, maximumSize);
     if (!data)
         return std::nullopt;
     auto file = parse(std::move(*data), languages);
@@ -243,6 +245,7 @@ std::optional<DesktopEntryFile> DesktopEntryFile::parse(QByteArray data, const Q
     const char *const begin = file.m_data.constData();
     const char *const dataEnd = begin + file.m_data.size();
     std::optional<QByteArrayView> startGroup;
+    const bool hasNul = memchr(begin, '\0', dataEnd - begin) != nullptr;
     bool hasDesktopEntry = false;
     bool inDesktopEntry = false;
     bool inStartGroup = false;
@@ -254,8 +257,10 @@ std::optional<DesktopEntryFile> DesktopEntryFile::parse(QByteArray data, const Q
         if (newline && end > line && end[-1] == '\r')
             --end;
         // Lines are C strings to GLib: nothing after a NUL counts.
-        if (const auto *nul = static_cast<const char *>(memchr(line, '\0', end - line)))
-            end = nul;
+        if (hasNul) {
+            if (const auto *nul = static_cast<const char *>(memchr(line, '\0', end - line)))
+                end = nul;
+        }
         const char *start = line;
         line = next;
         while (start < end && isAsciiSpace(*start))
@@ -280,7 +285,8 @@ std::optional<DesktopEntryFile> DesktopEntryFile::parse(QByteArray data, const Q
         const char *keyEnd = equals;
         while (isAsciiSpace(keyEnd[-1]))
             --keyEnd;
-        if (!isKeyName(start, keyEnd))
+        QByteArrayView locale;
+        if (!isKeyName(start, keyEnd, locale))
             return std::nullopt;
         const QByteArrayView key(start, keyEnd);
         const char *value = equals + 1;
@@ -291,7 +297,8 @@ std::optional<DesktopEntryFile> DesktopEntryFile::parse(QByteArray data, const Q
             return std::nullopt;
         if (!inDesktopEntry)
             continue;
-        if (const auto locale = localeOf(key); locale && !isInteresting(*locale, file.m_languages))
+        // "Key[]" is a key of its own, not a translation.
+        if (!locale.isEmpty() && !isInteresting(locale, file.m_languages))
             continue;
         file.m_pairs.append(Pair{int(start - begin), int(key.size()), int(value - begin), int(valueView.size())});
     }

@@ -34,6 +34,9 @@ public:
     // Never blocks on a FIFO or device.
     static std::optional<DesktopEntryFile> load(const QByteArray &path,
                                                 const QByteArrayList &languages = sessionLanguages());
+    // The same for a path relative to an open directory.
+    static std::optional<DesktopEntryFile> loadAt(int directory, const QByteArray &path,
+                                                  const QByteArrayList &languages);
     static std::optional<DesktopEntryFile> parse(QByteArray data, const QByteArrayList &languages);
 
     // GLib loads an application only from a file whose first group is
