@@ -7,6 +7,15 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int backgroundNice = 10;
+
+} // namespace
+
 AppIndex::AppIndex(QObject *parent)
     : QObject(parent)
     , m_dataDirs(xdgDataDirs())
@@ -61,6 +70,9 @@ void AppIndex::startScan()
     // Languages and desktops are the session's; read here, not per file.
     const DesktopEntryRules rules{m_desktops, sessionLanguages()};
     m_worker.start([this, known = std::move(known), rules, roots = m_roots, dataDirs = m_dataDirs] {
+        // The scan must not slow the start of the tray icon or an opening
+        // menu: the UI thread goes first. Threads the scan starts inherit it.
+        setpriority(PRIO_PROCESS, gettid(), backgroundNice);
         Scan scan;
         for (qsizetype root = 0; root < roots.size(); ++root)
             scan.folders.append(known[root] ? *known[root] : readFolderApps(roots[root], rules));
