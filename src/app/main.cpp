@@ -224,7 +224,9 @@ int runInstance(int argc, char **argv, const Activation &activation)
 
 } // namespace
 
-int main(int argc, char **argv)
+// Called by the `quillon` executable, which loads this library only when it
+// has more to do than pass a command on.
+extern "C" Q_DECL_EXPORT int quillonMain(int argc, char **argv)
 {
     if (hasArgument(argc, argv, {"--print-layout"}))
         return printLayout(argc, argv);

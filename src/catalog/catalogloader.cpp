@@ -11,11 +11,13 @@
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QXmlStreamReader>
 
 #include <algorithm>
 #include <cstdlib>
+#include <sys/stat.h>
 
 namespace {
 
@@ -77,6 +79,8 @@ CatalogEnvironment CatalogEnvironment::system()
               QStringLiteral("/usr/share/metainfo/org.kde.systemsettings.appdata.xml")}},
         },
         {},
+        QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
+            + QStringLiteral("/quillon/settings-program-version"),
     };
 }
 
@@ -148,11 +152,56 @@ std::optional<OSVersion> metainfoVersion(const QString &path)
     return newest;
 }
 
+// What identifies one build of a program file: a package update replaces
+// the file, and with it all of these.
+QString fileIdentity(const QString &path)
+{
+    struct stat status { };
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return {};
+    return QStringLiteral("%1 %2 %3.%4 %5")
+        .arg(path)
+        .arg(status.st_size)
+        .arg(status.st_mtim.tv_sec)
+        .arg(status.st_mtim.tv_nsec)
+        .arg(status.st_ino);
+}
+
+// The cache holds one line, "<identity>\t<version>"; anything else, or another
+// identity, is not used.
+std::optional<OSVersion> rememberedVersion(const QString &cache, const QString &identity)
+{
+    QFile file(cache);
+    if (cache.isEmpty() || identity.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QStringList fields = QString::fromUtf8(file.read(4096)).trimmed().split(u'\t');
+    if (fields.size() != 2 || fields[0] != identity)
+        return std::nullopt;
+    return OSVersion::parse(fields[1]);
+}
+
+void rememberVersion(const QString &cache, const QString &identity, const OSVersion &version)
+{
+    if (cache.isEmpty() || identity.isEmpty())
+        return;
+    QDir().mkpath(QFileInfo(cache).path());
+    QSaveFile file(cache);
+    if (!file.open(QIODevice::WriteOnly) || file.write((identity + u'\t' + versionText(version)).toUtf8()) < 0
+        || !file.commit()) {
+        qCDebug(lcCatalog) << "Could not remember the settings program's version in" << cache;
+    }
+}
+
+// Asking the program starts a whole GTK or Qt application, a tenth of a
+// second spent before the tray icon shows, so the answer is remembered.
 std::optional<OSVersion> programVersion(const CatalogEnvironment &environment, const QString &executable)
 {
     const QString path = QStandardPaths::findExecutable(executable, environment.searchPaths);
     if (path.isEmpty())
         return std::nullopt;
+    const QString identity = fileIdentity(path);
+    if (const auto remembered = rememberedVersion(environment.versionCache, identity))
+        return remembered;
     QProcess process;
     // Neither program needs a display to print its version; keep Qt's one
     // from looking for one.
@@ -169,7 +218,10 @@ std::optional<OSVersion> programVersion(const CatalogEnvironment &environment, c
         return std::nullopt;
     const QStringList words = QString::fromUtf8(process.readAllStandardOutput())
                                   .split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
-    return words.isEmpty() ? std::nullopt : OSVersion::parse(words.last());
+    const auto version = words.isEmpty() ? std::nullopt : OSVersion::parse(words.last());
+    if (version)
+        rememberVersion(environment.versionCache, identity, *version);
+    return version;
 }
 
 std::optional<QString> chooseDocument(const QStringList &files, const std::optional<OSVersion> &running)

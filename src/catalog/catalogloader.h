@@ -36,6 +36,9 @@ struct CatalogEnvironment {
     QList<SettingsProgram> programs;
     // Where executables are looked for; empty means $PATH.
     QStringList searchPaths;
+    // Where the answer of a settings program's --version is remembered for
+    // as long as the program's file stays the same; empty: never.
+    QString versionCache;
 
     // The compiled-in documents and this session's desktop.
     static CatalogEnvironment system();

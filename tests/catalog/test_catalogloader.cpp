@@ -32,7 +32,8 @@ CatalogEnvironment environment(const QString &root, const QStringList &desktops,
               QStringLiteral("fake-gnome-settings"),
               {documents + QStringLiteral("/gnome.metainfo.xml")}},
              {QStringLiteral("kde"), QStringLiteral("fake-kde-settings"), {QStringLiteral("/nonexistent.xml")}}},
-            searchPaths.isEmpty() ? QStringList{QStringLiteral("/nonexistent")} : searchPaths};
+            searchPaths.isEmpty() ? QStringList{QStringLiteral("/nonexistent")} : searchPaths,
+            {}};
 }
 
 } // namespace
@@ -250,10 +251,50 @@ private Q_SLOTS:
             {{desktop,
               QStringLiteral("fake-settings"),
               {QStringLiteral(CATALOG_TEST_DATA "/metainfo/") + metainfo + QStringLiteral(".metainfo.xml")}}},
-            {bin.path()}};
+            {bin.path()},
+            {}};
         const auto catalog = loadCatalog(shipped);
         QVERIFY2(catalog.ok(), qPrintable(catalog.error()));
         QCOMPARE(catalog.value().osVersion, osVersion);
+    }
+
+    // Asking the program costs a tenth of a second at every start; its answer
+    // holds until the program's file changes, and a damaged note is ignored.
+    void programVersionIsRemembered()
+    {
+        QTemporaryDir dir;
+        const QString program = dir.filePath(QStringLiteral("fake-settings"));
+        const QString asked = dir.filePath(QStringLiteral("asked"));
+        const auto install = [&](const QByteArray &version) {
+            QFile::remove(program);
+            return writeFile(program, "#!/bin/sh\necho x >> '" + QFile::encodeName(asked)
+                                          + "'\necho gnome-control-center " + version + "\n")
+                   && QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
+        };
+        const auto versionNow = [&] {
+            const CatalogEnvironment env{QStringLiteral(CATALOG_RESOURCES),
+                                         {QStringLiteral("gnome")},
+                                         {{QStringLiteral("gnome"), QStringLiteral("fake-settings"), {}}},
+                                         {dir.path()},
+                                         dir.filePath(QStringLiteral("cache/version"))};
+            const auto catalog = loadCatalog(env);
+            return catalog.ok() ? catalog.value().osVersion : catalog.error();
+        };
+        const auto timesAsked = [&] {
+            QFile file(asked);
+            return file.open(QIODevice::ReadOnly) ? file.readAll().count('x') : 0;
+        };
+        QVERIFY(install("43.6"));
+        QCOMPARE(versionNow(), u"43.6"_qs);
+        QCOMPARE(versionNow(), u"43.6"_qs);
+        QCOMPARE(timesAsked(), 1);
+        // An update replaces the file.
+        QVERIFY(install("44.4"));
+        QCOMPARE(versionNow(), u"44.4"_qs);
+        QCOMPARE(timesAsked(), 2);
+        QVERIFY(writeFile(dir.filePath(QStringLiteral("cache/version")), "\xff\xfe garbage"));
+        QCOMPARE(versionNow(), u"44.4"_qs);
+        QCOMPARE(timesAsked(), 3);
     }
 
     // Every copied AppStream file, GNOME's and Plasma's: the newest release it
@@ -298,7 +339,8 @@ private Q_SLOTS:
                                {{QStringLiteral("gnome"),
                                  QStringLiteral("fake-gnome-settings"),
                                  {root.filePath(QStringLiteral("45.xml"))}}},
-                               {QStringLiteral("/nonexistent")}};
+                               {QStringLiteral("/nonexistent")},
+                               {}};
         QTest::ignoreMessage(
             QtInfoMsg, QRegularExpression(QStringLiteral("^Catalog gnome/43.json: .*served by release 45's catalog")));
         QCOMPARE(loadCatalog(env).value().osVersion, QStringLiteral("43"));
