@@ -10,6 +10,8 @@
 
 #include <QThread>
 
+#include <dirent.h>
+
 #include <algorithm>
 #include <fcntl.h>
 #include <future>
@@ -132,18 +134,17 @@ public:
         // GLib's default when PATH is unset.
         const QByteArrayList folders = (path.isNull() ? QByteArray("/bin:/usr/bin:.") : path).split(':');
         for (const QByteArray &folder : folders) {
-            DirReader reader(folder.isEmpty() ? QByteArray(".") : folder, DirReader::MissingIs::Silent);
-            if (!reader.isOpen())
-                continue;
-            Folder listed;
-            DirReader::Entry entry;
-            while (reader.next(entry)) {
-                if (entry.type != DT_DIR)
-                    listed.types.insert(QByteArray(entry.name), entry.type);
+            Folder listed{folder.isEmpty() ? QByteArray(".") : folder, AT_FDCWD, {}};
+            // Not DirReader: a folder of PATH we may not list is no news.
+            if (DIR *dir = ::opendir(listed.path.constData())) {
+                while (const dirent *entry = ::readdir(dir)) {
+                    if (entry->d_type != DT_DIR)
+                        listed.types.insert(QByteArray(entry->d_name), entry->d_type);
+                }
+                listed.fd = m_open.keep(::dirfd(dir));
+                ::closedir(dir);
             }
-            listed.fd = m_open.keep(reader.fd());
-            if (listed.fd != AT_FDCWD)
-                m_folders.append(std::move(listed));
+            m_folders.append(std::move(listed));
         }
     }
 
@@ -157,6 +158,9 @@ public:
             return path != nullptr;
         }
         return std::any_of(m_folders.begin(), m_folders.end(), [&program](const Folder &folder) {
+            // A folder that could not be listed may still hold it.
+            if (folder.fd == AT_FDCWD)
+                return isExecutableFile(AT_FDCWD, folder.path + '/' + program, DT_UNKNOWN);
             const auto type = folder.types.constFind(program);
             return type != folder.types.cend() && isExecutableFile(folder.fd, program, *type);
         });
@@ -164,7 +168,8 @@ public:
 
 private:
     struct Folder {
-        int fd = AT_FDCWD;
+        QByteArray path;
+        int fd = AT_FDCWD; // AT_FDCWD when it could not be listed
         QHash<QByteArray, unsigned char> types;
     };
 

@@ -20,11 +20,14 @@ if [ "$(id -u)" = 0 ] && [ -z "${KDE_HOTKEYS_INNER:-}" ]; then
   id "$user" >/dev/null 2>&1 || useradd -m -s /bin/bash "$user"
   work=$(mktemp -d /tmp/quillon-kde.XXXXXX)
   chmod 755 "$work"
-  install -m 755 "$binary" "$work/quillon"
+  # The build's layout: bin/ beside lib/quillon/, where quillon loads the rest from.
+  mkdir -p "$work/bin" "$work/lib/quillon"
+  install -m 755 "$binary" "$work/bin/quillon"
+  install -m 755 "$(dirname "$binary")/../lib/quillon/libquillon.so" "$work/lib/quillon/"
   install -m 755 "$0" "$work/kde-hotkeys.sh"
   mkdir -p "$artifacts"
   chown "$user" "$work" "$artifacts"
-  runuser -u "$user" -- env KDE_HOTKEYS_INNER=1 bash "$work/kde-hotkeys.sh" "$work/quillon" "$artifacts"
+  runuser -u "$user" -- env KDE_HOTKEYS_INNER=1 bash "$work/kde-hotkeys.sh" "$work/bin/quillon" "$artifacts"
   status=$?
   rm -rf "$work"
   exit $status

@@ -18,12 +18,15 @@ if [ "$(id -u)" = 0 ]; then
   id "$user" >/dev/null 2>&1 || useradd --create-home --shell /bin/bash "$user"
   work=$(mktemp -d /tmp/quillon-wayland.XXXXXX)
   trap 'rm -rf "$work"' EXIT
-  install -m 755 "$quillon" "$(dirname "$quillon")/quillon-shortcuts" "$here/wayland.sh" "$here/wlpointer.py" "$work/"
-  mkdir -p "$work/artifacts"
+  # The build's layout: bin/ beside lib/quillon/, where quillon loads the rest from.
+  mkdir -p "$work/bin" "$work/lib/quillon" "$work/artifacts"
+  install -m 755 "$quillon" "$(dirname "$quillon")/quillon-shortcuts" "$work/bin/"
+  install -m 755 "$(dirname "$quillon")/../lib/quillon/libquillon.so" "$work/lib/quillon/"
+  install -m 755 "$here/wayland.sh" "$here/wlpointer.py" "$work/"
   chown -R "$user" "$work"
   chmod 755 "$work"
   rc=0
-  runuser -u "$user" -- "$work/wayland.sh" "$work/quillon" "$work/artifacts" || rc=$?
+  runuser -u "$user" -- "$work/wayland.sh" "$work/bin/quillon" "$work/artifacts" || rc=$?
   mkdir -p "$artifacts"
   rm -f "$artifacts"/*.png
   cp -r "$work/artifacts/." "$artifacts/" 2>/dev/null || true
@@ -128,7 +131,7 @@ walk(json.load(sys.stdin))'
 panel_inside_screen() {
   windows | grep " Quillon Search$" | awk '{ exit !($1 >= 0 && $2 >= 0 && $1 + $3 <= 1280 && $2 + $4 <= 800) }'
 }
-pointer() { /usr/bin/python3 "$(dirname "$quillon")/wlpointer.py" "$@"; }
+pointer() { /usr/bin/python3 "$here/wlpointer.py" "$@"; }
 
 # 1. The item registers as a menu and exports the whole top level.
 start_quillon --autostart
