@@ -68,7 +68,7 @@ void AppIndex::startScan()
     m_staleRoots.clear();
     m_scanning = true;
     // Languages and desktops are the session's; read here, not per file.
-    const DesktopEntryRules rules{m_desktops, sessionLanguages()};
+    const DesktopEntryRules rules{m_desktops, sessionLanguages(), applicationCacheFolder()};
     m_worker.start([this, known = std::move(known), rules, roots = m_roots, dataDirs = m_dataDirs] {
         // The scan must not slow the start of the tray icon or an opening
         // menu: the UI thread goes first. Threads the scan starts inherit it.

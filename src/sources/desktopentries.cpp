@@ -3,8 +3,15 @@
 #include "sources/desktopentryfile.h"
 #include "sources/dirreader.h"
 
+#include "common/log.h"
+
+#include <QCryptographicHash>
+#include <QDataStream>
+#include <QDir>
 #include <QFile>
 #include <QHash>
+#include <QSaveFile>
+#include <QStandardPaths>
 
 #include <glib.h>
 
@@ -13,6 +20,7 @@
 #include <dirent.h>
 
 #include <algorithm>
+#include <ctime>
 #include <fcntl.h>
 #include <future>
 #include <optional>
@@ -77,11 +85,52 @@ size_t qHash(const DirectoryKey &key, size_t seed = 0) noexcept
 // Deep enough for any real tree; the visited set already stops link loops.
 constexpr int maximumFolderDepth = 16;
 
+// When a file or folder last changed, as far as a cache needs to know.
+struct Stamp {
+    quint64 device = 0;
+    quint64 inode = 0;
+    qint64 size = 0;
+    qint64 seconds = 0;
+    qint64 nanoseconds = 0;
+    bool operator==(const Stamp &) const = default;
+};
+
+Stamp stampOf(const struct stat &status)
+{
+    return {quint64(status.st_dev), quint64(status.st_ino), qint64(status.st_size), qint64(status.st_mtim.tv_sec),
+            qint64(status.st_mtim.tv_nsec)};
+}
+
+// The stamp to keep for what is read now. File times tick in steps of a few
+// milliseconds, so a change just after reading can leave the time as it
+// was: whatever changed in the last seconds is kept with a stamp that never
+// matches, and is read again next time.
+Stamp stampToKeep(const struct stat &status)
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    Stamp stamp = stampOf(status);
+    if (now.tv_sec - stamp.seconds < 2)
+        stamp.seconds = -1;
+    return stamp;
+}
+
+QDataStream &operator<<(QDataStream &out, const Stamp &stamp)
+{
+    return out << stamp.device << stamp.inode << stamp.size << stamp.seconds << stamp.nanoseconds;
+}
+
+QDataStream &operator>>(QDataStream &in, Stamp &stamp)
+{
+    return in >> stamp.device >> stamp.inode >> stamp.size >> stamp.seconds >> stamp.nanoseconds;
+}
+
 struct Collection {
     QSet<DirectoryKey> visited;
     OpenDirectories open;
     QList<DesktopFile> files;
     QStringList directories;
+    QList<Stamp> directoryStamps; // taken before listing
 };
 
 // Collects the .desktop files below one applications folder with their
@@ -98,6 +147,7 @@ void collectDesktopFiles(const QByteArray &dirPath, const QString &idPrefix, int
         return;
     collection.visited.insert({status.st_dev, status.st_ino});
     collection.directories.append(QFile::decodeName(dirPath));
+    collection.directoryStamps.append(stampToKeep(status));
 
     QList<std::pair<QByteArray, bool>> children;
     DirReader::Entry entry;
@@ -254,18 +304,6 @@ bool showsIn(const DesktopEntryFile &file, const QStringList &desktops)
     return !onlyShowIn;
 }
 
-bool programsFound(const DesktopEntryFile &file, ProgramLookup &programs)
-{
-    const QByteArray tryExec = file.string("TryExec").value_or(QString()).toUtf8();
-    if (!tryExec.isEmpty() && !programs.found(tryExec))
-        return false;
-    const QByteArray exec = file.string("Exec").value_or(QString()).toUtf8();
-    if (exec.isEmpty())
-        return true;
-    const auto program = programs.execProgram(exec);
-    return program && programs.found(*program);
-}
-
 // Icon is a theme name or an absolute path. Old entries add an image
 // extension to theme names, which theme lookups do not expect.
 QString iconName(const DesktopEntryFile &file)
@@ -287,28 +325,207 @@ QString unnamed()
     return QString::fromUtf8(g_dgettext("glib20", "Unnamed"));
 }
 
-std::optional<DesktopApp> readDesktopApp(const DesktopFile &desktopFile, const DesktopEntryRules &rules,
-                                         ProgramLookup &programs)
+// What an entry says, as far as the menu cares. Whether its programs exist
+// is asked anew each time: they come and go without the entry changing.
+struct EntryFacts {
+    bool shows = false; // an application not hidden from these desktops
+    QString name;
+    QString icon;
+    qint32 category = 0;
+    QByteArray tryExec;     // empty: none
+    QByteArray execProgram; // empty: no Exec line
+    bool operator==(const EntryFacts &) const = default;
+};
+
+QDataStream &operator<<(QDataStream &out, const EntryFacts &facts)
+{
+    return out << facts.shows << facts.name << facts.icon << facts.category << facts.tryExec << facts.execProgram;
+}
+
+QDataStream &operator>>(QDataStream &in, EntryFacts &facts)
+{
+    return in >> facts.shows >> facts.name >> facts.icon >> facts.category >> facts.tryExec >> facts.execProgram;
+}
+
+EntryFacts readFacts(const DesktopFile &desktopFile, const DesktopEntryRules &rules)
 {
     const auto file = DesktopEntryFile::loadAt(desktopFile.directory, desktopFile.name, rules.languages);
     if (!file || !file->startsWithDesktopEntry() || file->string("Type") != QLatin1String("Application")
-        || !programsFound(*file, programs) || file->boolean("Hidden") || file->boolean("NoDisplay")
-        || !showsIn(*file, rules.desktops)) {
+        || file->boolean("Hidden") || file->boolean("NoDisplay") || !showsIn(*file, rules.desktops)) {
+        return {};
+    }
+    const QByteArray exec = file->string("Exec").value_or(QString()).toUtf8();
+    const auto program = exec.isEmpty() ? std::optional<QByteArray>() : ProgramLookup::execProgram(exec);
+    if (!exec.isEmpty() && !program)
+        return {}; // an Exec line no shell could split
+    return EntryFacts{true,
+                      file->localeString("Name").value_or(unnamed()),
+                      iconName(*file),
+                      qint32(mainCategory(file->list("Categories").value_or(QStringList()))),
+                      file->string("TryExec").value_or(QString()).toUtf8(),
+                      program.value_or(QByteArray())};
+}
+
+std::optional<DesktopApp> appOf(const QString &id, const QByteArray &path, const EntryFacts &facts,
+                                ProgramLookup &programs)
+{
+    if (!facts.shows || (!facts.tryExec.isEmpty() && !programs.found(facts.tryExec))
+        || (!facts.execProgram.isEmpty() && !programs.found(facts.execProgram))) {
         return std::nullopt;
     }
-    return DesktopApp{desktopFile.id, file->localeString("Name").value_or(unnamed()),
-                      QUrl::fromLocalFile(QFile::decodeName(desktopFile.path)), iconName(*file),
-                      mainCategory(file->list("Categories").value_or(QStringList()))};
+    return DesktopApp{id, facts.name, QUrl::fromLocalFile(QFile::decodeName(path)), facts.icon,
+                      AppCategory(facts.category)};
+}
+
+// One folder's entries as last read, kept in the user's cache folder: a
+// start then costs a stat per file instead of reading every entry. Used
+// only while every folder and file is as it was, and for the same languages
+// and desktops; anything unreadable is ignored and written anew.
+struct FolderCache {
+    static constexpr quint32 magic = 0x51415050; // "QAPP"
+    static constexpr quint32 format = 1;
+    // Fewer bytes than any record takes: a damaged count cannot make the
+    // reader reserve more than a few times the file's size.
+    static constexpr qint64 minimumRecordSize = 64;
+
+    struct File {
+        QString id;
+        qint32 directory = 0; // index into directories
+        QByteArray name;
+        Stamp stamp;
+        EntryFacts facts;
+    };
+
+    QStringList directories;
+    QList<Stamp> directoryStamps;
+    QList<File> files;
+
+    static QString pathFor(const QString &folder, const DesktopEntryRules &rules)
+    {
+        const QByteArray key = QCryptographicHash::hash(QFile::encodeName(folder), QCryptographicHash::Sha1).toHex();
+        return rules.cacheFolder + QLatin1Char('/') + QString::fromLatin1(key);
+    }
+
+    void write(const QString &folder, const DesktopEntryRules &rules) const
+    {
+        QDir().mkpath(rules.cacheFolder);
+        QSaveFile file(pathFor(folder, rules));
+        if (!file.open(QIODevice::WriteOnly))
+            return;
+        QDataStream out(&file);
+        out.setVersion(QDataStream::Qt_6_4);
+        out << magic << format << folder << rules.languages << rules.desktops << directories << directoryStamps
+            << qint64(files.size());
+        for (const File &entry : files)
+            out << entry.id << entry.directory << entry.name << entry.stamp << entry.facts;
+        if (out.status() != QDataStream::Ok || !file.commit())
+            qCDebug(lcSources) << "Could not write the application cache for" << folder;
+    }
+
+    static std::optional<FolderCache> read(const QString &folder, const DesktopEntryRules &rules)
+    {
+        QFile file(pathFor(folder, rules));
+        if (!file.open(QIODevice::ReadOnly))
+            return std::nullopt;
+        QDataStream in(&file);
+        in.setVersion(QDataStream::Qt_6_4);
+        quint32 fileMagic = 0;
+        quint32 fileFormat = 0;
+        QString fileFolder;
+        QByteArrayList languages;
+        QStringList desktops;
+        in >> fileMagic >> fileFormat;
+        if (fileMagic != magic || fileFormat != format)
+            return std::nullopt;
+        FolderCache cache;
+        qint64 count = 0;
+        in >> fileFolder >> languages >> desktops >> cache.directories >> cache.directoryStamps >> count;
+        if (in.status() != QDataStream::Ok || fileFolder != folder || languages != rules.languages
+            || desktops != rules.desktops || cache.directories.size() != cache.directoryStamps.size() || count < 0
+            || count > file.size() / minimumRecordSize) {
+            return std::nullopt;
+        }
+        cache.files.reserve(count);
+        for (qint64 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+            File entry;
+            in >> entry.id >> entry.directory >> entry.name >> entry.stamp >> entry.facts;
+            const auto &categories = EnumCases<AppCategory>::cases;
+            const bool knownCategory = std::any_of(categories.begin(), categories.end(), [&entry](const auto &known) {
+                return known.first == AppCategory(entry.facts.category);
+            });
+            if (entry.directory < 0 || entry.directory >= cache.directories.size() || !knownCategory)
+                return std::nullopt;
+            cache.files.append(std::move(entry));
+        }
+        if (in.status() != QDataStream::Ok)
+            return std::nullopt;
+        return cache;
+    }
+
+    // Whether nothing was added, removed or changed since: a folder's time
+    // changes with its list of names, a file's with its contents.
+    bool isCurrent() const
+    {
+        OpenDirectories open;
+        QList<int> fds;
+        for (qsizetype i = 0; i < directories.size(); ++i) {
+            const int fd = ::open(QFile::encodeName(directories[i]).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            struct stat status { };
+            const bool same = fd >= 0 && ::fstat(fd, &status) == 0 && stampOf(status) == directoryStamps[i];
+            if (fd >= 0) {
+                fds.append(open.keep(fd));
+                ::close(fd);
+            }
+            if (!same)
+                return false;
+        }
+        for (const File &entry : files) {
+            struct stat status { };
+            const int directory = fds[entry.directory];
+            const QByteArray name =
+                directory == AT_FDCWD ? QFile::encodeName(directories[entry.directory]) + '/' + entry.name : entry.name;
+            if (::fstatat(directory, name.constData(), &status, 0) != 0 || stampOf(status) != entry.stamp)
+                return false;
+        }
+        return true;
+    }
+};
+
+} // namespace
+
+namespace {
+
+FolderApps fromCache(const FolderCache &cache)
+{
+    FolderApps folder;
+    folder.directories = cache.directories;
+    if (cache.files.isEmpty())
+        return folder;
+    const PathListing path;
+    ProgramLookup programs(path);
+    for (const FolderCache::File &entry : cache.files) {
+        folder.ids.insert(entry.id);
+        const QByteArray filePath = QFile::encodeName(cache.directories[entry.directory]) + '/' + entry.name;
+        if (auto app = appOf(entry.id, filePath, entry.facts, programs))
+            folder.apps.append(std::move(*app));
+    }
+    return folder;
 }
 
 } // namespace
 
 FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
 {
+    const bool cached = !rules.cacheFolder.isEmpty();
+    if (cached) {
+        if (const auto cache = FolderCache::read(dir, rules); cache && cache->isCurrent())
+            return fromCache(*cache);
+    }
+
     Collection collection;
     collectDesktopFiles(QFile::encodeName(dir), QString(), 0, collection);
     FolderApps folder;
-    folder.directories = std::move(collection.directories);
+    folder.directories = collection.directories;
     QList<DesktopFile> files;
     for (DesktopFile &file : collection.files) {
         if (!folder.ids.contains(file.id)) {
@@ -317,15 +534,21 @@ FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
         }
     }
 
-    if (files.isEmpty())
-        return folder;
     // Reading is mostly waiting on system calls; the cores share it.
     const PathListing path;
+    QList<FolderCache::File> read(files.size());
     QList<std::optional<DesktopApp>> apps(files.size());
-    const auto read = [&](qsizetype from, qsizetype to) {
+    const auto readRange = [&](qsizetype from, qsizetype to) {
         ProgramLookup programs(path);
-        for (qsizetype i = from; i < to; ++i)
-            apps[i] = readDesktopApp(files[i], rules, programs);
+        for (qsizetype i = from; i < to; ++i) {
+            const DesktopFile &file = files[i];
+            struct stat status { };
+            // Taken before reading: a change in between makes the cache stale, never wrong.
+            if (::fstatat(file.directory, file.name.constData(), &status, 0) == 0)
+                read[i].stamp = stampToKeep(status);
+            read[i].facts = readFacts(file, rules);
+            apps[i] = appOf(file.id, file.path, read[i].facts, programs);
+        }
     };
     constexpr qsizetype filesPerThread = 100;
     const qsizetype threads =
@@ -333,8 +556,8 @@ FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
     const qsizetype chunk = (files.size() + threads - 1) / threads;
     std::vector<std::future<void>> others;
     for (qsizetype t = 1; t < threads; ++t)
-        others.push_back(std::async(std::launch::async, read, t * chunk, std::min(files.size(), (t + 1) * chunk)));
-    read(0, std::min(files.size(), chunk));
+        others.push_back(std::async(std::launch::async, readRange, t * chunk, std::min(files.size(), (t + 1) * chunk)));
+    readRange(0, std::min(files.size(), chunk));
     for (auto &other : others)
         other.wait();
 
@@ -342,7 +565,30 @@ FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
         if (app)
             folder.apps.append(std::move(*app));
     }
+
+    if (cached && !collection.directories.isEmpty()) {
+        FolderCache cache{collection.directories, collection.directoryStamps, {}};
+        QHash<QString, qint32> directoryIndex;
+        for (qsizetype i = 0; i < collection.directories.size(); ++i)
+            directoryIndex.insert(collection.directories[i], qint32(i));
+        for (qsizetype i = 0; i < files.size(); ++i) {
+            const QString parent = QFile::decodeName(files[i].path.left(files[i].path.lastIndexOf('/')));
+            read[i].id = files[i].id;
+            read[i].directory = directoryIndex.value(parent, -1);
+            read[i].name = files[i].path.mid(files[i].path.lastIndexOf('/') + 1);
+            if (read[i].directory < 0)
+                return folder; // not a walked folder: leave the cache as it was
+            cache.files.append(read[i]);
+        }
+        cache.write(dir, rules);
+    }
     return folder;
+}
+
+QString applicationCacheFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
+           + QStringLiteral("/quillon/applications");
 }
 
 QList<DesktopApp> mergeFolderApps(const QList<FolderApps> &folders)
@@ -361,7 +607,7 @@ QList<DesktopApp> mergeFolderApps(const QList<FolderApps> &folders)
 
 QList<DesktopApp> readDesktopApps(const QStringList &applicationDirs, const QStringList &desktops)
 {
-    const DesktopEntryRules rules{desktops, sessionLanguages()};
+    const DesktopEntryRules rules{desktops, sessionLanguages(), applicationCacheFolder()};
     QList<FolderApps> folders;
     for (const QString &dir : applicationDirs)
         folders.append(readFolderApps(dir, rules));

@@ -39,7 +39,12 @@ struct FolderApps {
 struct DesktopEntryRules {
     QStringList desktops;     // XDG_CURRENT_DESKTOP, in order
     QByteArrayList languages; // for translated keys, best first
+    // Where what was read is kept for the next start; empty: nowhere.
+    QString cacheFolder;
 };
+
+// The user's cache folder for what readFolderApps read.
+QString applicationCacheFolder();
 
 // Reads the desktop entries below one applications folder. A missing folder
 // is empty and not logged; an unreadable one is logged.

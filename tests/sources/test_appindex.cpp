@@ -6,6 +6,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace {
 
 bool writeEntry(const QString &path, const QByteArray &name, const QByteArray &extra = {})
@@ -20,6 +23,22 @@ QStringList names(AppIndex &index)
 {
     QStringList result;
     for (const App &app : AppLibrary::apps(index.tree()))
+        result.append(app.name);
+    result.sort();
+    return result;
+}
+
+// Sets a file's or folder's time to a moment long past.
+bool age(const QString &path, int moment)
+{
+    const timespec times[2] = {{1'700'000'000 + moment, 0}, {1'700'000'000 + moment, 0}};
+    return utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0) == 0;
+}
+
+QStringList namesIn(const FolderApps &folder)
+{
+    QStringList result;
+    for (const DesktopApp &app : folder.apps)
         result.append(app.name);
     result.sort();
     return result;
@@ -94,6 +113,45 @@ private Q_SLOTS:
         QTest::qWait(int(AppIndex::settleTime.count()) * 3);
         QCOMPARE(changed.size(), 1);
         QCOMPARE(names(index).size(), 50);
+    }
+
+    // What was read is kept for the next start, but only what is still
+    // current is taken from there; programs are looked for every time.
+    void cacheServesOnlyWhatIsCurrent()
+    {
+        const QString cache = m_root->filePath(QStringLiteral("cache"));
+        const QString program = m_root->filePath(QStringLiteral("program"));
+        QVERIFY(writeEntry(m_system + "/alpha.desktop", "Alpha"));
+        QVERIFY(writeEntry(m_system + "/beta.desktop", "Beta", "TryExec=" + QFile::encodeName(program) + '\n'));
+        QFile script(program);
+        QVERIFY(script.open(QIODevice::WriteOnly) && script.write("#!/bin/sh\n") > 0);
+        script.close();
+        QVERIFY(script.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        QVERIFY(age(m_system + "/alpha.desktop", 0) && age(m_system + "/beta.desktop", 0) && age(m_system, 0));
+        const DesktopEntryRules rules{{QStringLiteral("GNOME")}, {"C"}, cache};
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Alpha", "Beta"}));
+        QCOMPARE(QDir(cache).entryList(QDir::Files).size(), 1);
+
+        // Changed behind the cache's back (same size, time put back): it answers.
+        QVERIFY(writeEntry(m_system + "/alpha.desktop", "Gamma"));
+        QVERIFY(age(m_system + "/alpha.desktop", 0) && age(m_system, 0));
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Alpha", "Beta"}));
+        // A change moves the file's time.
+        QVERIFY(age(m_system + "/alpha.desktop", 1));
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Beta", "Gamma"}));
+        QVERIFY(QFile::remove(program));
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Gamma"}));
+        // A damaged cache is read past.
+        for (const QString &name : QDir(cache).entryList(QDir::Files)) {
+            QFile damaged(cache + '/' + name);
+            QVERIFY(damaged.open(QIODevice::ReadWrite));
+            damaged.seek(damaged.size() / 2);
+            damaged.write(QByteArray(64, '\xff'));
+        }
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Gamma"}));
+        // A new entry changes the folder's time.
+        QVERIFY(writeEntry(m_system + "/delta.desktop", "Delta"));
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Delta", "Gamma"}));
     }
 
 private:
