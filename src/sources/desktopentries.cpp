@@ -23,6 +23,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <future>
+#include <mutex>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -177,8 +178,8 @@ void collectDesktopFiles(const QByteArray &dirPath, const QString &idPrefix, int
 // folder for every entry's program costs more than reading the entries.
 class PathListing
 {
-public:
-    PathListing()
+    // Listed when first asked: a folder without entries asks nothing.
+    void list() const
     {
         const QByteArray path = qgetenv("PATH");
         // GLib's default when PATH is unset.
@@ -198,10 +199,12 @@ public:
         }
     }
 
+public:
     // Whether g_find_program_in_path would find the program: an executable
     // file of that name in a folder of PATH.
     bool found(const QByteArray &program) const
     {
+        std::call_once(m_listed, [this] { list(); });
         if (program.contains('/')) {
             char *path = g_find_program_in_path(program.constData());
             g_free(path);
@@ -237,8 +240,9 @@ private:
         return !root || (S_ISREG(status.st_mode) && (status.st_mode & 0111));
     }
 
-    OpenDirectories m_open;
-    QList<Folder> m_folders;
+    mutable std::once_flag m_listed;
+    mutable OpenDirectories m_open;
+    mutable QList<Folder> m_folders;
 };
 
 // Whether programs named by TryExec and Exec exist, remembered for the
