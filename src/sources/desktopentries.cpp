@@ -2,25 +2,17 @@
 
 #include "sources/desktopentryfile.h"
 #include "sources/dirreader.h"
+#include "sources/foldercache.h"
 
-#include "common/log.h"
-
-#include <QCryptographicHash>
-#include <QDataStream>
-#include <QDir>
 #include <QFile>
 #include <QHash>
-#include <QSaveFile>
 #include <QStandardPaths>
+#include <QThread>
 
 #include <glib.h>
 
-#include <QThread>
-
-#include <dirent.h>
-
 #include <algorithm>
-#include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <future>
 #include <mutex>
@@ -30,40 +22,6 @@
 #include <utility>
 
 namespace {
-
-// Directories stay open while their entries are read, so each file opens
-// relative to its folder rather than by a full path the kernel walks again.
-class OpenDirectories
-{
-public:
-    // More would risk the process's limit on open files; entries of further
-    // folders open by path.
-    static constexpr qsizetype maximum = 256;
-
-    OpenDirectories() = default;
-    ~OpenDirectories()
-    {
-        for (const int fd : std::as_const(m_fds))
-            ::close(fd);
-    }
-    OpenDirectories(const OpenDirectories &) = delete;
-    OpenDirectories &operator=(const OpenDirectories &) = delete;
-
-    // A descriptor of its own for an open directory, or AT_FDCWD.
-    int keep(int fd)
-    {
-        if (m_fds.size() >= maximum)
-            return AT_FDCWD;
-        const int kept = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
-        if (kept < 0)
-            return AT_FDCWD;
-        m_fds.append(kept);
-        return kept;
-    }
-
-private:
-    QList<int> m_fds;
-};
 
 struct DesktopFile {
     QString id;
@@ -86,52 +44,12 @@ size_t qHash(const DirectoryKey &key, size_t seed = 0) noexcept
 // Deep enough for any real tree; the visited set already stops link loops.
 constexpr int maximumFolderDepth = 16;
 
-// When a file or folder last changed, as far as a cache needs to know.
-struct Stamp {
-    quint64 device = 0;
-    quint64 inode = 0;
-    qint64 size = 0;
-    qint64 seconds = 0;
-    qint64 nanoseconds = 0;
-    bool operator==(const Stamp &) const = default;
-};
-
-Stamp stampOf(const struct stat &status)
-{
-    return {quint64(status.st_dev), quint64(status.st_ino), qint64(status.st_size), qint64(status.st_mtim.tv_sec),
-            qint64(status.st_mtim.tv_nsec)};
-}
-
-// The stamp to keep for what is read now. File times tick in steps of a few
-// milliseconds, so a change just after reading can leave the time as it
-// was: whatever changed in the last seconds is kept with a stamp that never
-// matches, and is read again next time.
-Stamp stampToKeep(const struct stat &status)
-{
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    Stamp stamp = stampOf(status);
-    if (now.tv_sec - stamp.seconds < 2)
-        stamp.seconds = -1;
-    return stamp;
-}
-
-QDataStream &operator<<(QDataStream &out, const Stamp &stamp)
-{
-    return out << stamp.device << stamp.inode << stamp.size << stamp.seconds << stamp.nanoseconds;
-}
-
-QDataStream &operator>>(QDataStream &in, Stamp &stamp)
-{
-    return in >> stamp.device >> stamp.inode >> stamp.size >> stamp.seconds >> stamp.nanoseconds;
-}
-
 struct Collection {
     QSet<DirectoryKey> visited;
     OpenDirectories open;
     QList<DesktopFile> files;
     QStringList directories;
-    QList<Stamp> directoryStamps; // taken before listing
+    QList<FileStamp> directoryStamps; // taken before listing
 };
 
 // Collects the .desktop files below one applications folder with their
@@ -148,7 +66,7 @@ void collectDesktopFiles(const QByteArray &dirPath, const QString &idPrefix, int
         return;
     collection.visited.insert({status.st_dev, status.st_ino});
     collection.directories.append(QFile::decodeName(dirPath));
-    collection.directoryStamps.append(stampToKeep(status));
+    collection.directoryStamps.append(FileStamp::toKeep(status));
 
     QList<std::pair<QByteArray, bool>> children;
     DirReader::Entry entry;
@@ -329,28 +247,6 @@ QString unnamed()
     return QString::fromUtf8(g_dgettext("glib20", "Unnamed"));
 }
 
-// What an entry says, as far as the menu cares. Whether its programs exist
-// is asked anew each time: they come and go without the entry changing.
-struct EntryFacts {
-    bool shows = false; // an application not hidden from these desktops
-    QString name;
-    QString icon;
-    qint32 category = 0;
-    QByteArray tryExec;     // empty: none
-    QByteArray execProgram; // empty: no Exec line
-    bool operator==(const EntryFacts &) const = default;
-};
-
-QDataStream &operator<<(QDataStream &out, const EntryFacts &facts)
-{
-    return out << facts.shows << facts.name << facts.icon << facts.category << facts.tryExec << facts.execProgram;
-}
-
-QDataStream &operator>>(QDataStream &in, EntryFacts &facts)
-{
-    return in >> facts.shows >> facts.name >> facts.icon >> facts.category >> facts.tryExec >> facts.execProgram;
-}
-
 EntryFacts readFacts(const DesktopFile &desktopFile, const DesktopEntryRules &rules)
 {
     const auto file = DesktopEntryFile::loadAt(desktopFile.directory, desktopFile.name, rules.languages);
@@ -380,120 +276,6 @@ std::optional<DesktopApp> appOf(const QString &id, const QByteArray &path, const
     return DesktopApp{id, facts.name, QUrl::fromLocalFile(QFile::decodeName(path)), facts.icon,
                       AppCategory(facts.category)};
 }
-
-// One folder's entries as last read, kept in the user's cache folder: a
-// start then costs a stat per file instead of reading every entry. Used
-// only while every folder and file is as it was, and for the same languages
-// and desktops; anything unreadable is ignored and written anew.
-struct FolderCache {
-    static constexpr quint32 magic = 0x51415050; // "QAPP"
-    static constexpr quint32 format = 1;
-    // Fewer bytes than any record takes: a damaged count cannot make the
-    // reader reserve more than a few times the file's size.
-    static constexpr qint64 minimumRecordSize = 64;
-
-    struct File {
-        QString id;
-        qint32 directory = 0; // index into directories
-        QByteArray name;
-        Stamp stamp;
-        EntryFacts facts;
-    };
-
-    QStringList directories;
-    QList<Stamp> directoryStamps;
-    QList<File> files;
-
-    static QString pathFor(const QString &folder, const DesktopEntryRules &rules)
-    {
-        const QByteArray key = QCryptographicHash::hash(QFile::encodeName(folder), QCryptographicHash::Sha1).toHex();
-        return rules.cacheFolder + QLatin1Char('/') + QString::fromLatin1(key);
-    }
-
-    void write(const QString &folder, const DesktopEntryRules &rules) const
-    {
-        QDir().mkpath(rules.cacheFolder);
-        QSaveFile file(pathFor(folder, rules));
-        if (!file.open(QIODevice::WriteOnly))
-            return;
-        QDataStream out(&file);
-        out.setVersion(QDataStream::Qt_6_4);
-        out << magic << format << folder << rules.languages << rules.desktops << directories << directoryStamps
-            << qint64(files.size());
-        for (const File &entry : files)
-            out << entry.id << entry.directory << entry.name << entry.stamp << entry.facts;
-        if (out.status() != QDataStream::Ok || !file.commit())
-            qCDebug(lcSources) << "Could not write the application cache for" << folder;
-    }
-
-    static std::optional<FolderCache> read(const QString &folder, const DesktopEntryRules &rules)
-    {
-        QFile file(pathFor(folder, rules));
-        if (!file.open(QIODevice::ReadOnly))
-            return std::nullopt;
-        QDataStream in(&file);
-        in.setVersion(QDataStream::Qt_6_4);
-        quint32 fileMagic = 0;
-        quint32 fileFormat = 0;
-        QString fileFolder;
-        QByteArrayList languages;
-        QStringList desktops;
-        in >> fileMagic >> fileFormat;
-        if (fileMagic != magic || fileFormat != format)
-            return std::nullopt;
-        FolderCache cache;
-        qint64 count = 0;
-        in >> fileFolder >> languages >> desktops >> cache.directories >> cache.directoryStamps >> count;
-        if (in.status() != QDataStream::Ok || fileFolder != folder || languages != rules.languages
-            || desktops != rules.desktops || cache.directories.size() != cache.directoryStamps.size() || count < 0
-            || count > file.size() / minimumRecordSize) {
-            return std::nullopt;
-        }
-        cache.files.reserve(count);
-        for (qint64 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
-            File entry;
-            in >> entry.id >> entry.directory >> entry.name >> entry.stamp >> entry.facts;
-            const auto &categories = EnumCases<AppCategory>::cases;
-            const bool knownCategory = std::any_of(categories.begin(), categories.end(), [&entry](const auto &known) {
-                return known.first == AppCategory(entry.facts.category);
-            });
-            if (entry.directory < 0 || entry.directory >= cache.directories.size() || !knownCategory)
-                return std::nullopt;
-            cache.files.append(std::move(entry));
-        }
-        if (in.status() != QDataStream::Ok)
-            return std::nullopt;
-        return cache;
-    }
-
-    // Whether nothing was added, removed or changed since: a folder's time
-    // changes with its list of names, a file's with its contents.
-    bool isCurrent() const
-    {
-        OpenDirectories open;
-        QList<int> fds;
-        for (qsizetype i = 0; i < directories.size(); ++i) {
-            const int fd = ::open(QFile::encodeName(directories[i]).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            struct stat status { };
-            const bool same = fd >= 0 && ::fstat(fd, &status) == 0 && stampOf(status) == directoryStamps[i];
-            if (fd >= 0) {
-                fds.append(open.keep(fd));
-                ::close(fd);
-            }
-            if (!same)
-                return false;
-        }
-        for (const File &entry : files) {
-            struct stat status { };
-            const int directory = fds[entry.directory];
-            const QByteArray name =
-                directory == AT_FDCWD ? QFile::encodeName(directories[entry.directory]) + '/' + entry.name : entry.name;
-            if (::fstatat(directory, name.constData(), &status, 0) != 0 || stampOf(status) != entry.stamp)
-                return false;
-        }
-        return true;
-    }
-};
 
 } // namespace
 
@@ -549,7 +331,7 @@ FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
             struct stat status { };
             // Taken before reading: a change in between makes the cache stale, never wrong.
             if (::fstatat(file.directory, file.name.constData(), &status, 0) == 0)
-                read[i].stamp = stampToKeep(status);
+                read[i].stamp = FileStamp::toKeep(status);
             read[i].facts = readFacts(file, rules);
             apps[i] = appOf(file.id, file.path, read[i].facts, programs);
         }

@@ -4,7 +4,9 @@
 
 #include <QFile>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -55,4 +57,21 @@ bool DirReader::isDirectory(const Entry &entry) const
 int DirReader::fd() const
 {
     return m_dir ? dirfd(m_dir) : -1;
+}
+
+OpenDirectories::~OpenDirectories()
+{
+    for (const int fd : std::as_const(m_fds))
+        ::close(fd);
+}
+
+int OpenDirectories::keep(int fd)
+{
+    if (m_fds.size() >= maximum)
+        return AT_FDCWD;
+    const int kept = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
+    if (kept < 0)
+        return AT_FDCWD;
+    m_fds.append(kept);
+    return kept;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 
 #include <dirent.h>
 
@@ -34,4 +35,26 @@ public:
 
 private:
     DIR *m_dir = nullptr;
+};
+
+// Directories kept open while their entries are read, so each file opens
+// relative to its folder rather than by a full path the kernel walks again.
+class OpenDirectories
+{
+public:
+    // More would risk the process's limit on open files; entries of further
+    // folders open by path.
+    static constexpr qsizetype maximum = 256;
+
+    OpenDirectories() = default;
+    ~OpenDirectories();
+    OpenDirectories(const OpenDirectories &) = delete;
+    OpenDirectories &operator=(const OpenDirectories &) = delete;
+
+    // A descriptor of its own for an open directory, or AT_FDCWD when it
+    // cannot have one.
+    int keep(int fd);
+
+private:
+    QList<int> m_fds;
 };
