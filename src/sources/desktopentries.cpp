@@ -168,10 +168,13 @@ private:
 class ProgramLookup
 {
 public:
-    explicit ProgramLookup(const PathListing &path)
+    explicit ProgramLookup(const PathListing &path, QHash<QByteArray, bool> known = {})
         : m_path(path)
+        , m_found(std::move(known))
     {
     }
+
+    const QHash<QByteArray, bool> &answers() const { return m_found; }
 
     bool found(const QByteArray &program)
     {
@@ -288,7 +291,11 @@ FolderApps fromCache(const FolderCache &cache)
     if (cache.files.isEmpty())
         return folder;
     const PathListing path;
-    ProgramLookup programs(path);
+    // The answers of the read that wrote the cache hold while no PATH
+    // folder changed since.
+    const QByteArray currentPath = qgetenv("PATH");
+    const bool sameProgams = cache.path == currentPath && FolderCache::stampsOfPath(currentPath) == cache.pathStamps;
+    ProgramLookup programs(path, sameProgams ? cache.programs : QHash<QByteArray, bool>());
     for (const FolderCache::File &entry : cache.files) {
         folder.ids.insert(entry.id);
         const QByteArray filePath = QFile::encodeName(cache.directories[entry.directory]) + '/' + entry.name;
@@ -322,10 +329,18 @@ FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
 
     // Reading is mostly waiting on system calls; the cores share it.
     const PathListing path;
+    // Stamped before programs are looked for: a change in between makes
+    // the answers stale, never wrong.
+    const QByteArray currentPath = qgetenv("PATH");
+    const QList<FileStamp> pathStamps = cached ? FolderCache::stampsOfPath(currentPath) : QList<FileStamp>();
     QList<FolderCache::File> read(files.size());
     QList<std::optional<DesktopApp>> apps(files.size());
-    const auto readRange = [&](qsizetype from, qsizetype to) {
-        ProgramLookup programs(path);
+    constexpr qsizetype filesPerThread = 100;
+    const qsizetype threads =
+        std::clamp<qsizetype>(files.size() / filesPerThread, 1, std::min(4, QThread::idealThreadCount()));
+    std::vector<ProgramLookup> lookups(size_t(threads), ProgramLookup{path});
+    const auto readRange = [&](qsizetype thread, qsizetype from, qsizetype to) {
+        ProgramLookup &programs = lookups[size_t(thread)];
         for (qsizetype i = from; i < to; ++i) {
             const DesktopFile &file = files[i];
             struct stat status { };
@@ -336,14 +351,13 @@ FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
             apps[i] = appOf(file.id, file.path, read[i].facts, programs);
         }
     };
-    constexpr qsizetype filesPerThread = 100;
-    const qsizetype threads =
-        std::clamp<qsizetype>(files.size() / filesPerThread, 1, std::min(4, QThread::idealThreadCount()));
     const qsizetype chunk = (files.size() + threads - 1) / threads;
     std::vector<std::future<void>> others;
-    for (qsizetype t = 1; t < threads; ++t)
-        others.push_back(std::async(std::launch::async, readRange, t * chunk, std::min(files.size(), (t + 1) * chunk)));
-    readRange(0, std::min(files.size(), chunk));
+    for (qsizetype t = 1; t < threads; ++t) {
+        others.push_back(
+            std::async(std::launch::async, readRange, t, t * chunk, std::min(files.size(), (t + 1) * chunk)));
+    }
+    readRange(0, 0, std::min(files.size(), chunk));
     for (auto &other : others)
         other.wait();
 
@@ -353,7 +367,14 @@ FolderApps readFolderApps(const QString &dir, const DesktopEntryRules &rules)
     }
 
     if (cached && !collection.directories.isEmpty()) {
-        FolderCache cache{collection.directories, collection.directoryStamps, {}};
+        FolderCache cache{collection.directories, collection.directoryStamps, {}, currentPath, pathStamps, {}};
+        // Programs named by path are not in PATH's folders: those are asked again.
+        for (const ProgramLookup &lookup : lookups) {
+            for (auto answer = lookup.answers().cbegin(); answer != lookup.answers().cend(); ++answer) {
+                if (!answer.key().contains('/'))
+                    cache.programs.insert(answer.key(), answer.value());
+            }
+        }
         QHash<QString, qint32> directoryIndex;
         for (qsizetype i = 0; i < collection.directories.size(); ++i)
             directoryIndex.insert(collection.directories[i], qint32(i));

@@ -41,7 +41,7 @@ static QDataStream &operator>>(QDataStream &in, EntryFacts &facts)
 namespace {
 
 constexpr quint32 magic = 0x51415050; // "QAPP"
-constexpr quint32 format = 1;
+constexpr quint32 format = 2;
 // Fewer bytes than any record takes: a damaged count cannot make the reader
 // reserve more than a few times the file's size.
 constexpr qint64 minimumRecordSize = 64;
@@ -82,6 +82,7 @@ void FolderCache::write(const QString &folder, const DesktopEntryRules &rules) c
         << qint64(files.size());
     for (const File &entry : files)
         out << entry.id << entry.directory << entry.name << entry.stamp << entry.facts;
+    out << path << pathStamps << programs;
     if (out.status() != QDataStream::Ok || !file.commit())
         qCDebug(lcSources) << "Could not write the application cache for" << folder;
 }
@@ -121,9 +122,23 @@ std::optional<FolderCache> FolderCache::read(const QString &folder, const Deskto
             return std::nullopt;
         cache.files.append(std::move(entry));
     }
+    in >> cache.path >> cache.pathStamps >> cache.programs;
     if (in.status() != QDataStream::Ok)
         return std::nullopt;
     return cache;
+}
+
+QList<FileStamp> FolderCache::stampsOfPath(const QByteArray &path)
+{
+    QList<FileStamp> stamps;
+    for (const QByteArray &folder : path.split(':')) {
+        struct stat status { };
+        if (::stat(folder.isEmpty() ? "." : folder.constData(), &status) == 0)
+            stamps.append(FileStamp::toKeep(status));
+        else
+            stamps.append(FileStamp{0, 0, 0, -1, 0});
+    }
+    return stamps;
 }
 
 bool FolderCache::isCurrent() const

@@ -3,6 +3,7 @@
 #include "sources/desktopentries.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -56,6 +57,16 @@ struct FolderCache {
     QStringList directories;
     QList<FileStamp> directoryStamps;
     QList<File> files;
+    // Whether each program the entries name was found. Installing or
+    // removing a program changes its PATH folder's time, so the answers hold
+    // while PATH and its folders' stamps are the same.
+    QByteArray path;
+    QList<FileStamp> pathStamps;
+    QHash<QByteArray, bool> programs;
+
+    // The stamps of PATH's folders, now; a folder that cannot be read gets
+    // one that never matches.
+    static QList<FileStamp> stampsOfPath(const QByteArray &path);
 
     void write(const QString &folder, const DesktopEntryRules &rules) const;
     static std::optional<FolderCache> read(const QString &folder, const DesktopEntryRules &rules);

@@ -154,6 +154,34 @@ private Q_SLOTS:
         QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Delta", "Gamma"}));
     }
 
+    // Programs found on PATH are remembered while PATH's folders keep their
+    // times: installing or removing one changes its folder's.
+    void programsOnPathAreRememberedWhileThePathIsUnchanged()
+    {
+        const QString cache = m_root->filePath(QStringLiteral("cache"));
+        const QString bin = m_root->filePath(QStringLiteral("bin"));
+        QVERIFY(QDir().mkpath(bin));
+        QFile program(bin + "/quillon-test-editor");
+        QVERIFY(program.open(QIODevice::WriteOnly) && program.write("#!/bin/sh\n") > 0);
+        program.close();
+        QVERIFY(program.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(bin) + ':' + path);
+        QVERIFY(writeEntry(m_system + "/editor.desktop", "Editor", "TryExec=quillon-test-editor\n"));
+        QVERIFY(age(m_system + "/editor.desktop", 0) && age(m_system, 0) && age(bin, 0));
+        const DesktopEntryRules rules{{QStringLiteral("GNOME")}, {"C"}, cache};
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Editor"}));
+
+        // Gone, but its folder's time put back: the remembered answer holds.
+        QVERIFY(program.remove());
+        QVERIFY(age(bin, 0));
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Editor"}));
+        // Gone for real.
+        QVERIFY(age(bin, 1));
+        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList());
+        qputenv("PATH", path);
+    }
+
 private:
     std::optional<QTemporaryDir> m_root;
     QString m_home;
