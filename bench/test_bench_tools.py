@@ -6,21 +6,20 @@
 
 import configparser
 import hashlib
-import importlib.util
 import os
+import runpy
 import subprocess
 import sys
 import tempfile
+import types
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
 
 def load(name, file_name):
-    spec = importlib.util.spec_from_file_location(name, os.path.join(HERE, file_name))
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
+    # The scripts' names have dashes, so they are loaded by path.
+    return types.SimpleNamespace(**runpy.run_path(os.path.join(HERE, file_name), run_name=name))
 
 
 def generate(root, count=300, seed=1):

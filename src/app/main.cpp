@@ -80,6 +80,14 @@ std::optional<InstanceQuery> queryFor(const QCommandLineParser &parser, const Op
     return std::nullopt;
 }
 
+// Errors, help and Qt's own options (-platform …) are for the full
+// application to handle; a light client only takes plain commands.
+bool parsesAsClient(const QCoreApplication &app, QCommandLineParser &parser)
+{
+    return parser.parse(app.arguments()) && !parser.isSet(QStringLiteral("help"))
+           && !parser.isSet(QStringLiteral("help-all")) && !parser.isSet(QStringLiteral("version"));
+}
+
 // The running instance has its applications and shortcuts loaded already,
 // so it answers at once; the question goes to it without starting the GUI
 // toolkit here. Nothing when no instance answers.
@@ -89,9 +97,7 @@ std::optional<QString> askRunning(int argc, char **argv)
     QCommandLineParser parser;
     Options options;
     describe(app, parser, options);
-    // Errors and help are the local path's to print.
-    if (!parser.parse(app.arguments()) || parser.isSet(QStringLiteral("help"))
-        || parser.isSet(QStringLiteral("help-all")) || parser.isSet(QStringLiteral("version")))
+    if (!parsesAsClient(app, parser))
         return std::nullopt;
     const auto query = queryFor(parser, options);
     return query ? SingleInstance::ask(*query) : std::nullopt;
@@ -172,10 +178,7 @@ std::optional<int> forwardToRunning(int argc, char **argv, const Activation &act
     QCommandLineParser parser;
     Options options;
     describe(app, parser, options);
-    // Errors, help and Qt's own options (-platform …) are for the GUI
-    // application to handle, as they always were.
-    if (!parser.parse(app.arguments()) || parser.isSet(QStringLiteral("help"))
-        || parser.isSet(QStringLiteral("help-all")) || parser.isSet(QStringLiteral("version")))
+    if (!parsesAsClient(app, parser))
         return std::nullopt;
 
     if (const auto command = commandFor(parser, options))
