@@ -18,6 +18,7 @@ _quillon_shortcuts()
 {
     local cur prev words cword
     _init_completion || return
+    COMPREPLY=()
 
     if ((cword == 1)); then
         COMPREPLY=($(compgen -W 'list run help --help -h' -- "$cur"))

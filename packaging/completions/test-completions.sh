@@ -33,8 +33,8 @@ bash_complete() {
         read -ra COMP_WORDS <<<"$2"
         [[ $2 == *" " ]] && COMP_WORDS+=("")
         COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-        spec=($(complete -p "${COMP_WORDS[0]##*/}"))
-        "${spec[-2]}" "${COMP_WORDS[0]}" "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD-1]}"
+        registered=($(complete -p "${COMP_WORDS[0]##*/}"))
+        "${registered[-2]}" "${COMP_WORDS[0]}" "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD-1]}"
         printf "%s\n" "${COMPREPLY[@]}"' _ "$here" "$1"
 }
 
