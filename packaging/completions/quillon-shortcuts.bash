@@ -6,8 +6,6 @@
 _quillon_shortcuts_identifiers()
 {
     local tool=${words[0]} id
-    # Typed by path, or not installed on PATH: use where it is installed.
-    type -P -- "$tool" &>/dev/null || tool=/usr/libexec/quillon/quillon-shortcuts
     while IFS= read -r id; do
         [[ ${id,,} == "${cur,,}"* ]] && COMPREPLY+=("$id")
     done < <("$tool" list --show-identifiers "$@" 2>/dev/null |

@@ -4,8 +4,6 @@
 # identifier being the text in the last parentheses (a name may hold some).
 function __quillon_shortcuts_identifiers
     set -l tool (commandline -opc)[1]
-    # Typed by path, or not installed on PATH: use where it is installed.
-    command -q -- $tool; or set tool /usr/libexec/quillon/quillon-shortcuts
     command $tool list --show-identifiers $argv 2>/dev/null |
         string replace -rf '^(.*) \(([^()]*)\)$' '$2\t$1'
 end

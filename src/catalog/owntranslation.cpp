@@ -1,6 +1,8 @@
 #include "catalog/owntranslation.h"
 
 #include "catalog/localization.h"
+#include "common/installedfiles.h"
+#include "common/log.h"
 #include "common/mainthread.h"
 
 #include <QCoreApplication>
@@ -8,13 +10,13 @@
 
 namespace {
 
-const QString translationsFolder = QStringLiteral(":/i18n");
 const QString translationPrefix = QStringLiteral("quillon_");
 
 } // namespace
 
 std::unique_ptr<QTranslator> loadOwnTranslation(const QStringList &languages)
 {
+    const QString translationsFolder = installedDataFolder() + QStringLiteral("/quillon/translations");
     QStringList available;
     const QStringList files =
         QDir(translationsFolder).entryList({translationPrefix + QStringLiteral("*.qm")}, QDir::Files);
@@ -24,8 +26,10 @@ std::unique_ptr<QTranslator> loadOwnTranslation(const QStringList &languages)
     if (!locale)
         return nullptr;
     auto translator = std::make_unique<QTranslator>();
-    if (!translator->load(translationPrefix + *locale, translationsFolder))
+    if (!translator->load(translationPrefix + *locale, translationsFolder)) {
+        qCWarning(lcCatalog) << "The translation" << *locale << "in" << translationsFolder << "could not be read";
         return nullptr;
+    }
     return translator;
 }
 

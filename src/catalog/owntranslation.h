@@ -5,7 +5,8 @@
 
 #include <memory>
 
-// The program's own translations, compiled in as :/i18n/quillon_<locale>.qm.
+// The program's own translations, share/quillon/translations/quillon_<locale>.qm
+// of the prefix Quillon runs from.
 // They translate the program's English texts where the desktop's string
 // tables have nothing to lend.
 

@@ -1,0 +1,33 @@
+# cmake -DMANIFEST=<build>/install_manifest.txt -P QuillonUninstall.cmake
+# Removes every file the last install wrote (make uninstall), then the
+# folders of Quillon's own that are left empty. Shared folders (bin,
+# share/applications, the icon theme's) stay.
+if(NOT MANIFEST OR NOT EXISTS "${MANIFEST}")
+  message(FATAL_ERROR "No install manifest at '${MANIFEST}': nothing was installed from this build")
+endif()
+file(STRINGS "${MANIFEST}" files)
+set(own_folders "")
+foreach(file IN LISTS files)
+  set(path "$ENV{DESTDIR}${file}")
+  if(EXISTS "${path}" OR IS_SYMLINK "${path}")
+    message(STATUS "Removing ${path}")
+    file(REMOVE "${path}")
+  endif()
+  get_filename_component(folder "${path}" DIRECTORY)
+  if(folder MATCHES "/quillon(/translations)?$")
+    list(APPEND own_folders "${folder}")
+  endif()
+endforeach()
+list(REMOVE_DUPLICATES own_folders)
+foreach(folder IN LISTS own_folders)
+  # share/quillon/translations, then share/quillon, while each is empty.
+  while(folder MATCHES "/(quillon|translations)$" AND IS_DIRECTORY "${folder}")
+    file(GLOB left "${folder}/*")
+    if(left)
+      break()
+    endif()
+    file(REMOVE "${folder}")
+    file(REMOVE_RECURSE "${folder}")
+    get_filename_component(folder "${folder}" DIRECTORY)
+  endwhile()
+endforeach()
