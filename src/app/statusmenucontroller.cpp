@@ -2,6 +2,7 @@
 
 #include "common/log.h"
 #include "common/mainthread.h"
+#include "platform/ownicons.h"
 
 #include <QCursor>
 #include <QMenu>
@@ -33,7 +34,7 @@ StatusMenuController::StatusMenuController(StatusMenu::Services services, std::u
         m_statusMenu->rebuild();
         m_tray->exportMenu(m_statusMenu->menu());
     }
-    m_tray->show(QIcon(QStringLiteral(":/icons/quillon.svg")), QStringLiteral("Quillon"));
+    m_tray->show(trayIcon(), QStringLiteral("Quillon"));
 }
 
 StatusMenuController::~StatusMenuController() = default;

@@ -1,5 +1,7 @@
 #include "app/updatewindow.h"
 
+#include "platform/ownicons.h"
+
 #include <QDialogButtonBox>
 #include <QIcon>
 #include <QLabel>
@@ -20,7 +22,7 @@ UpdateWindow::UpdateWindow(QString currentVersion, Open open, QWidget *parent)
     , m_close(new QPushButton(tr("Close"), this))
 {
     setWindowTitle(tr("Software Update"));
-    setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
+    setWindowIcon(applicationIcon());
     setAttribute(Qt::WA_DeleteOnClose, false);
     setMinimumWidth(420);
 

@@ -17,10 +17,12 @@ QtTray::QtTray(QObject *parent)
 
 QtTray::~QtTray() = default;
 
-void QtTray::show(const QIcon &icon, const QString &toolTip)
+void QtTray::show(const TrayIcon &icon, const QString &toolTip)
 {
     QUILLON_ASSERT_MAIN_THREAD();
-    m_icon->setIcon(icon);
+    // An XEmbed tray takes pixels only, and its panel's colour is unknown:
+    // the drawing is the one legible on dark and light panels alike.
+    m_icon->setIcon(icon.drawing);
     m_icon->setToolTip(toolTip);
     m_icon->show();
 }

@@ -16,7 +16,7 @@ public:
     ~QtTray() override;
 
     TrayKind kind() const override { return TrayKind::PopUp; }
-    void show(const QIcon &icon, const QString &toolTip) override;
+    void show(const TrayIcon &icon, const QString &toolTip) override;
     std::optional<QRect> iconGeometry() const override;
     void popUp(QMenu *menu, const QPoint &fallback) override;
 

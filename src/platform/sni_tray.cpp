@@ -123,7 +123,7 @@ class StatusNotifierItem : public QObject
     Q_PROPERTY(QString AttentionIconName READ emptyName)
     Q_PROPERTY(SniPixmaps AttentionIconPixmap READ noPixmaps)
     Q_PROPERTY(QString AttentionMovieName READ emptyName)
-    Q_PROPERTY(QString IconThemePath READ emptyName)
+    Q_PROPERTY(QString IconThemePath READ iconThemePath)
     Q_PROPERTY(SniToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
@@ -140,8 +140,9 @@ public:
     QString title() const { return QStringLiteral("Quillon"); }
     QString status() const { return QStringLiteral("Active"); }
     int windowId() const { return 0; }
-    QString iconName() const { return {}; }
+    QString iconName() const { return m_iconName; }
     SniPixmaps iconPixmap() const { return m_pixmaps; }
+    QString iconThemePath() const { return m_iconThemePath; }
     QString emptyName() const { return {}; }
     SniPixmaps noPixmaps() const { return {}; }
     SniToolTip toolTip() const { return {QString(), {}, m_toolTip, QString()}; }
@@ -151,9 +152,13 @@ public:
         return QDBusObjectPath(itemIsMenu() ? QLatin1String(SniTray::menuPath) : QLatin1String("/NO_DBUSMENU"));
     }
 
-    void setIcon(const QIcon &icon, const QString &toolTip)
+    // Panels that find the name draw the glyph in their own colour; the
+    // others take the pixels.
+    void setIcon(const TrayIcon &icon, const QString &toolTip)
     {
-        m_pixmaps = pixmapsOf(icon);
+        m_iconName = icon.symbolicName;
+        m_iconThemePath = icon.themeFolder;
+        m_pixmaps = pixmapsOf(icon.drawing);
         m_toolTip = toolTip;
         Q_EMIT NewIcon();
         Q_EMIT NewToolTip();
@@ -175,6 +180,8 @@ Q_SIGNALS:
 
 private:
     SniTray &m_tray;
+    QString m_iconName;
+    QString m_iconThemePath;
     SniPixmaps m_pixmaps;
     QString m_toolTip;
 };
@@ -213,7 +220,7 @@ TrayKind SniTray::kind() const
     return m_mode == MenuMode::Exported ? TrayKind::Exported : TrayKind::PopUp;
 }
 
-void SniTray::show(const QIcon &icon, const QString &toolTip)
+void SniTray::show(const TrayIcon &icon, const QString &toolTip)
 {
     QUILLON_ASSERT_MAIN_THREAD();
     m_item->setIcon(icon, toolTip);

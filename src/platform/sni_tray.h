@@ -34,7 +34,7 @@ public:
     QString serviceName() const { return m_service; }
 
     TrayKind kind() const override;
-    void show(const QIcon &icon, const QString &toolTip) override;
+    void show(const TrayIcon &icon, const QString &toolTip) override;
     std::optional<QRect> iconGeometry() const override;
     void popUp(QMenu *menu, const QPoint &fallback) override;
     void exportMenu(QMenu *menu) override;

@@ -19,7 +19,7 @@ class AbsentTray final : public Tray
 {
 public:
     TrayKind kind() const override { return TrayKind::Absent; }
-    void show(const QIcon &, const QString &) override
+    void show(const TrayIcon &, const QString &) override
     {
         qCWarning(lcTray) << "No system tray is available: neither a StatusNotifier watcher nor an XEmbed tray";
     }

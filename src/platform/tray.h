@@ -28,6 +28,16 @@ struct EnumCases<TrayKind> {
     }};
 };
 
+// What the panel shows: a drawing for trays that take pixels, and the theme
+// name of a one-colour glyph that panels drawing icons by name recolour to
+// match their text, with the folder of the theme it is in when that is not
+// one of the usual ones.
+struct TrayIcon {
+    QIcon drawing;
+    QString symbolicName;
+    QString themeFolder;
+};
+
 // The icon in the desktop's panel: shows itself, says when it is clicked and,
 // where the panel tells, where it is, and pops a menu up at itself or hands
 // the menu to the panel. Lives on the main thread.
@@ -45,7 +55,7 @@ public:
     static std::unique_ptr<Tray> forSession();
 
     virtual TrayKind kind() const = 0;
-    virtual void show(const QIcon &icon, const QString &toolTip) = 0;
+    virtual void show(const TrayIcon &icon, const QString &toolTip) = 0;
     // Where the icon is on screen; nothing when the panel does not say.
     virtual std::optional<QRect> iconGeometry() const = 0;
     // Pops the menu up at the icon, or at `fallback` when its place is unknown.

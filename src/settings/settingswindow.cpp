@@ -4,6 +4,7 @@
 #include "config/preferences.h"
 #include "hotkeys/hotkeycenter.h"
 #include "hotkeys/hotkeyrecorder.h"
+#include "platform/ownicons.h"
 #include "settings/applicationspane.h"
 #include "settings/contentpane.h"
 #include "settings/generalpane.h"
@@ -35,7 +36,7 @@ SettingsWindow::SettingsWindow(SettingsServices services, QWidget *parent)
     if (title.endsWith(QStringLiteral("…")))
         title.chop(1);
     setWindowTitle(QStringLiteral("Quillon ") + title);
-    setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
+    setWindowIcon(applicationIcon());
 
     m_general->addHotKeyRows(hotKeys, strings);
     m_searchHotKey = m_general->searchHotKey();

@@ -10,7 +10,7 @@ class FakeTray final : public Tray
 {
 public:
     std::optional<QRect> geometry;
-    QIcon icon;
+    TrayIcon icon;
     QString toolTip;
     QList<QPoint> fallbacks; // what each popUp was given for an unplaced icon
 
@@ -19,7 +19,7 @@ public:
 
     TrayKind kind() const override { return trayKind; }
     void exportMenu(QMenu *menu) override { exported = menu; }
-    void show(const QIcon &shown, const QString &tip) override
+    void show(const TrayIcon &shown, const QString &tip) override
     {
         icon = shown;
         toolTip = tip;

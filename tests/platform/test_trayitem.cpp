@@ -325,7 +325,8 @@ private Q_SLOTS:
         SniTray tray(SniTray::MenuMode::Exported);
         QCOMPARE(tray.kind(), TrayKind::Exported);
         tray.exportMenu(&menu);
-        tray.show(QIcon(square(Qt::green)), QStringLiteral("Quillon"));
+        tray.show({QIcon(square(Qt::green)), QStringLiteral("quillon-symbolic"), QStringLiteral("/opt/q/share/icons")},
+                  QStringLiteral("Quillon"));
         QTRY_COMPARE(watcher.items, QStringList{QDBusConnection::sessionBus().baseService()});
         QVERIFY(tray.serviceName().startsWith(QLatin1String("org.kde.StatusNotifierItem-")));
 
@@ -339,6 +340,8 @@ private Q_SLOTS:
         QCOMPARE(property("Menu").value<QDBusObjectPath>().path(), QStringLiteral("/MenuBar"));
         QCOMPARE(property("Id").toString(), QStringLiteral("Quillon"));
         QCOMPARE(property("Status").toString(), QStringLiteral("Active"));
+        QCOMPARE(property("IconName").toString(), QStringLiteral("quillon-symbolic"));
+        QCOMPARE(property("IconThemePath").toString(), QStringLiteral("/opt/q/share/icons"));
         // The icon as ARGB32 images in network byte order, smallest first.
         const QDBusArgument pixmaps = property("IconPixmap").value<QDBusArgument>();
         pixmaps.beginArray();
