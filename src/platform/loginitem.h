@@ -21,6 +21,13 @@ public:
     static std::optional<QString> unavailableReason();
     // The error text when the entry could not be written or removed.
     std::optional<QString> setEnabled(bool enabled) const;
+    // After Quillon moved (an update to another place, a removed copy): an
+    // enabled entry whose program is gone is written again for this one.
+    // The error text when that failed.
+    std::optional<QString> renewIfStale() const;
+    // The entry's command: "quillon --autostart" when this program is the
+    // quillon on PATH, else its path, quoted as the format wants.
+    QString execLine() const;
 
 private:
     QString m_program;

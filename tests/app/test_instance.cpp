@@ -2,11 +2,15 @@
 #include "platform/loginitem.h"
 
 #include <QDBusConnection>
+#include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <glib.h>
 
 namespace {
 
@@ -142,16 +146,51 @@ private Q_SLOTS:
         QVERIFY(!SingleInstance::send(InstanceCommand::Reopen));
     }
 
+    // What the session runs at login, as GLib reads and splits the entry.
+    static QStringList autostartCommand()
+    {
+        GKeyFile *file = g_key_file_new();
+        g_key_file_load_from_file(file, QFile::encodeName(LoginItem::entryPath()), G_KEY_FILE_NONE, nullptr);
+        gchar **argv = nullptr;
+        gchar *exec = g_key_file_get_string(file, "Desktop Entry", "Exec", nullptr);
+        QStringList command;
+        if (exec && g_shell_parse_argv(exec, nullptr, &argv, nullptr)) {
+            for (gchar **word = argv; *word; ++word)
+                command.append(QFile::decodeName(*word).replace(QLatin1String("%%"), QLatin1String("%")));
+        }
+        g_strfreev(argv);
+        g_free(exec);
+        g_key_file_free(file);
+        return command;
+    }
+
     void openAtLoginWritesAndRemovesTheAutostartEntry()
     {
-        LoginItem item(QStringLiteral("/opt/My Apps/quillon"));
+        // Every character the format reserves, in a path that exists.
+        const QString program =
+            m_home.filePath(QStringLiteral("My \"Apps\" $HOME `x` 100% \\ a'b;c&(d)|<e>~*?#/quillon"));
+        QVERIFY(QDir().mkpath(QFileInfo(program).absolutePath()));
+        QVERIFY(QFile::copy(QStringLiteral("/bin/true"), program));
+        LoginItem item(program);
         QVERIFY(LoginItem::entryPath().startsWith(m_home.path()));
         QVERIFY(!item.isEnabled());
         QCOMPARE(item.setEnabled(true), std::nullopt);
         QVERIFY(item.isEnabled());
-        QFile written(LoginItem::entryPath());
-        QVERIFY(written.open(QIODevice::ReadOnly));
-        QVERIFY(written.readAll().contains("\nExec=\"/opt/My Apps/quillon\" --autostart\n"));
+        QCOMPARE(autostartCommand(), QStringList({program, QStringLiteral("--autostart")}));
+        QCOMPARE(item.renewIfStale(), std::nullopt);
+
+        // The quillon on PATH is named as the desktop entry names it, so a
+        // later version installed elsewhere on PATH starts too.
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(QFileInfo(program).absolutePath()) + ':' + path);
+        QCOMPARE(item.setEnabled(true), std::nullopt);
+        QCOMPARE(autostartCommand(), QStringList({QStringLiteral("quillon"), QStringLiteral("--autostart")}));
+        qputenv("PATH", path);
+        // Gone from PATH since: written again for the program that runs now.
+        LoginItem moved(QStringLiteral("/opt/quillon/bin/quillon"));
+        QCOMPARE(moved.renewIfStale(), std::nullopt);
+        QCOMPARE(autostartCommand(),
+                 QStringList({QStringLiteral("/opt/quillon/bin/quillon"), QStringLiteral("--autostart")}));
 
         // Switched off by hand in another tool: not enabled.
         QFile file(LoginItem::entryPath());
