@@ -22,6 +22,8 @@ constexpr const char *serviceName = "app.quillon.Quillon";
 constexpr const char *objectPath = "/app/quillon/Quillon";
 constexpr const char *applicationInterface = "org.freedesktop.Application";
 constexpr int callTimeoutMs = 2000;
+// Starting Quillon for a command takes its start-up, on a cold disk too.
+constexpr int startTimeoutMs = 25000;
 
 // The running instance's method for each command; the same names its own
 // client sends.
@@ -53,11 +55,11 @@ struct Connection {
 
 enum class Sent { Delivered, NotUnderstood, Failed };
 
-Sent call(DBusConnection *bus, DBusMessage *message)
+Sent call(DBusConnection *bus, DBusMessage *message, int timeoutMs)
 {
     DBusError error;
     dbus_error_init(&error);
-    DBusMessage *reply = dbus_connection_send_with_reply_and_block(bus, message, callTimeoutMs, &error);
+    DBusMessage *reply = dbus_connection_send_with_reply_and_block(bus, message, timeoutMs, &error);
     dbus_message_unref(message);
     if (reply) {
         dbus_message_unref(reply);
@@ -115,8 +117,16 @@ bool forward(const char *method)
         return false;
     dbus_connection_set_exit_on_disconnect(connection.bus, false);
 
+    // With none running, a command (a key binding's --toggle-search) has the
+    // bus start Quillon from its installed service file and then takes
+    // effect. A plain start becomes the instance itself, in this process.
+    const bool reopen = std::strcmp(method, "Reopen") == 0;
+    const bool running = dbus_bus_name_has_owner(connection.bus, serviceName, nullptr);
+    if (!running && reopen)
+        return false;
+    const int timeoutMs = running ? callTimeoutMs : startTimeoutMs;
+
     if (hasActivation()) {
-        const bool reopen = std::strcmp(method, "Reopen") == 0;
         DBusMessage *message = dbus_message_new_method_call(serviceName, objectPath, applicationInterface,
                                                             reopen ? "Activate" : "ActivateAction");
         DBusMessageIter arguments;
@@ -128,18 +138,17 @@ bool forward(const char *method)
             dbus_message_iter_close_container(&arguments, &parameters);
         }
         appendPlatformData(&arguments);
-        // A question for one that runs: starting one is the full program's job.
-        dbus_message_set_auto_start(message, false);
-        if (const Sent sent = call(connection.bus, message); sent != Sent::NotUnderstood)
+        dbus_message_set_auto_start(message, !running);
+        if (const Sent sent = call(connection.bus, message, timeoutMs); sent != Sent::NotUnderstood)
             return sent == Sent::Delivered;
     }
     DBusMessage *message = dbus_message_new_method_call(serviceName, objectPath, serviceName, method);
-    dbus_message_set_auto_start(message, false);
-    return call(connection.bus, message) == Sent::Delivered;
+    dbus_message_set_auto_start(message, !running);
+    return call(connection.bus, message, timeoutMs) == Sent::Delivered;
 }
 
-// The full program: lib/quillon/libquillon.so beside the bin folder this
-// file is in, wherever the two were installed together.
+// The full program: libquillon.so in the program's library folder, found
+// from the bin folder this file is in, wherever the two were installed together.
 int runFullProgram(int argc, char **argv)
 {
     char self[PATH_MAX];
@@ -150,7 +159,7 @@ int runFullProgram(int argc, char **argv)
     }
     std::string path(self, size_t(length));
     path.erase(path.rfind('/'));
-    path += "/../lib/quillon/libquillon.so";
+    path += "/" QUILLON_LIBRARY_FROM_BIN;
     void *library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         std::fprintf(stderr, "quillon: %s\n", dlerror());

@@ -5,14 +5,20 @@
 #include "app/singleinstance.h"
 #include "catalog/localization.h"
 #include "catalog/owntranslation.h"
+#include "common/log.h"
 #include "platform/fileicons.h"
+#include "platform/loginitem.h"
+#include "platform/ownicons.h"
+#include "sources/desktopentries.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QEventLoop>
 #include <QIcon>
+#include <QStandardPaths>
 #include <QTextStream>
 
+#include <cstdlib>
 #include <optional>
 
 namespace {
@@ -40,11 +46,81 @@ void describe(QCoreApplication &app, QCommandLineParser &parser, const Options &
     app.setOrganizationName(QStringLiteral("Quillon"));
     app.setApplicationName(QStringLiteral("Quillon"));
     app.setApplicationVersion(QStringLiteral(QUILLON_VERSION));
-    parser.setApplicationDescription(QStringLiteral("A launcher in the panel."));
+    parser.setApplicationDescription(
+        QStringLiteral("A launcher in the panel: System Settings, applications, folders and your scripts\n"
+                       "from one icon."));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions({options.printLayout, options.printMenu, options.depth, options.search, options.autostart,
                        options.toggleSearch, options.menu, options.settings});
+    // The GUI toolkit's own options (-platform offscreen, -style …) are the
+    // full application's; known here, so that the light parsing before it
+    // does not take them for mistakes. Single-dash words are how Qt spells them.
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    const std::pair<const char *, bool> toolkitOptions[] = {
+        {"platform", true},        {"platformpluginpath", true},
+        {"platformtheme", true},   {"plugin", true},
+        {"qwindowgeometry", true}, {"qwindowicon", true},
+        {"qwindowtitle", true},    {"reverse", false},
+        {"session", true},         {"style", true},
+        {"stylesheet", true},      {"widgetcount", false},
+        {"display", true},         {"geometry", true},
+        {"qmljsdebugger", true},   {"nograb", false},
+        {"dograb", false},         {"sync", false},
+        {"visual", true},
+    };
+    for (const auto &[name, takesValue] : toolkitOptions) {
+        QCommandLineOption option(QString::fromLatin1(name));
+        if (takesValue)
+            option.setValueName(QStringLiteral("value"));
+        option.setFlags(QCommandLineOption::HiddenFromHelp);
+        parser.addOption(option);
+    }
+}
+
+// How a usage error ends, as with other command-line programs: one line on
+// stderr and status 2.
+[[noreturn]] void usageError(const QString &message)
+{
+    QTextStream(stderr) << "quillon: " << message << " Try 'quillon --help'.\n";
+    std::exit(2);
+}
+
+// What --help adds to the list of options: what a plain start does and
+// where Quillon keeps what it remembers.
+QString helpEpilog()
+{
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    return QStringLiteral("\nWithout options Quillon starts and puts its icon in the panel; if one runs\n"
+                          "already, its menu opens. --toggle-search, --menu and --settings are for the\n"
+                          "desktop's keyboard shortcuts.\n"
+                          "\nFiles:\n"
+                          "  %1\n      everything Quillon remembers, saved at once after each change\n"
+                          "  %2\n      your scripts: every executable file is a shortcut in the menu\n"
+                          "  %3\n      there while \"Open at Login\" is on\n"
+                          "  %4\n      the applications read last time; safe to delete\n")
+        .arg(Preferences().fileName(), data + QStringLiteral("/quillon/shortcuts"), LoginItem::entryPath(),
+             applicationCacheFolder());
+}
+
+// Help and version on stdout and out; a wrong option or a stray argument is
+// a usage error.
+void parseOrExit(const QCoreApplication &app, QCommandLineParser &parser)
+{
+    if (!parser.parse(app.arguments()))
+        usageError(parser.errorText());
+    if (!parser.positionalArguments().isEmpty())
+        usageError(QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
+    if (parser.isSet(QStringLiteral("help-all")))
+        parser.process(app); // Qt's own options too; exits
+    if (parser.isSet(QStringLiteral("help"))) {
+        QTextStream(stdout) << parser.helpText() << helpEpilog();
+        std::exit(0);
+    }
+    if (parser.isSet(QStringLiteral("version"))) {
+        QTextStream(stdout) << "quillon " << QCoreApplication::applicationVersion() << '\n';
+        std::exit(0);
+    }
 }
 
 bool hasArgument(int argc, char **argv, std::initializer_list<const char *> names)
@@ -64,7 +140,7 @@ int printLayout(int argc, char **argv)
     QCommandLineParser parser;
     Options options;
     describe(app, parser, options);
-    parser.process(app);
+    parseOrExit(app, parser);
     Preferences preferences;
     MenuStore store(preferences);
     QTextStream(stdout) << layoutText(store);
@@ -80,14 +156,6 @@ std::optional<InstanceQuery> queryFor(const QCommandLineParser &parser, const Op
     return std::nullopt;
 }
 
-// Errors, help and Qt's own options (-platform …) are for the full
-// application to handle; a light client only takes plain commands.
-bool parsesAsClient(const QCoreApplication &app, QCommandLineParser &parser)
-{
-    return parser.parse(app.arguments()) && !parser.isSet(QStringLiteral("help"))
-           && !parser.isSet(QStringLiteral("help-all")) && !parser.isSet(QStringLiteral("version"));
-}
-
 // The running instance has its applications and shortcuts loaded already,
 // so it answers at once; the question goes to it without starting the GUI
 // toolkit here. Nothing when no instance answers.
@@ -97,8 +165,7 @@ std::optional<QString> askRunning(int argc, char **argv)
     QCommandLineParser parser;
     Options options;
     describe(app, parser, options);
-    if (!parsesAsClient(app, parser))
-        return std::nullopt;
+    parseOrExit(app, parser);
     const auto query = queryFor(parser, options);
     return query ? SingleInstance::ask(*query) : std::nullopt;
 }
@@ -113,7 +180,7 @@ int answerHere(int argc, char **argv)
     QCommandLineParser parser;
     Options options;
     describe(app, parser, options);
-    parser.process(app);
+    parseOrExit(app, parser);
     const auto query = queryFor(parser, options);
     if (!query)
         return 1;
@@ -178,8 +245,7 @@ std::optional<int> forwardToRunning(int argc, char **argv, const Activation &act
     QCommandLineParser parser;
     Options options;
     describe(app, parser, options);
-    if (!parsesAsClient(app, parser))
-        return std::nullopt;
+    parseOrExit(app, parser);
 
     if (const auto command = commandFor(parser, options))
         return send(*command, activation);
@@ -195,9 +261,10 @@ int runInstance(int argc, char **argv, const Activation &activation)
     QCommandLineParser parser;
     Options options;
     describe(app, parser, options);
-    parser.process(app);
+    parseOrExit(app, parser);
     app.setQuitOnLastWindowClosed(false);
-    app.setWindowIcon(QIcon(QStringLiteral(":/icons/quillon.svg")));
+    addOwnIconFolder();
+    app.setWindowIcon(applicationIcon());
     if (const auto command = commandFor(parser, options))
         return send(*command, activation);
 
@@ -210,6 +277,8 @@ int runInstance(int argc, char **argv, const Activation &activation)
 
     ensureIconTheme();
     installOwnTranslation(preferredLanguages());
+    if (const auto error = LoginItem(QCoreApplication::applicationFilePath()).renewIfStale())
+        qCWarning(lcApp) << "The login entry could not be renewed:" << *error;
     AppDelegate delegate(parser.isSet(options.autostart));
     QueryAnswerer answerer(delegate.services().statusMenuServices());
     instance.setQueryHandler(
