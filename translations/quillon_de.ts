@@ -530,8 +530,8 @@
 <context>
     <name>GeneralPane</name>
     <message>
-        <source>Update checks are turned off in this build.</source>
-        <translation>Die Suche nach Updates ist in diesem Build abgeschaltet.</translation>
+        <source>Quillon is updated with the rest of your system, by your distribution.</source>
+        <translation>Quillon wird von Ihrer Distribution zusammen mit dem übrigen System aktualisiert.</translation>
     </message>
 </context>
 <context>

@@ -267,17 +267,20 @@ void StatusMenu::addCommands()
     QAction *about = m_menu->addAction(menuTitle(withName(strings.text(SystemString::About))));
     connect(about, &QAction::triggered, this, &StatusMenu::showAbout);
 
+    // A build without a feed is updated by the distribution's package
+    // manager: no item that could only say so.
     Updates &updates = m_services.updates;
-    QAction *update = nullptr;
-    if (updates.hasPendingUpdate()) {
-        static const QIcon arrow =
-            QIcon::fromTheme(QStringLiteral("go-down"), QIcon::fromTheme(QStringLiteral("software-update-available")));
-        update = m_menu->addAction(menuSizeIcon(arrow), menuTitle(strings.text(SystemString::UpdateAvailable)));
-    } else {
-        update = m_menu->addAction(menuTitle(strings.text(SystemString::CheckForUpdates) + QStringLiteral("…")));
+    if (updates.isConfigured()) {
+        QAction *update = nullptr;
+        if (updates.hasPendingUpdate()) {
+            static const QIcon arrow = QIcon::fromTheme(QStringLiteral("go-down"),
+                                                        QIcon::fromTheme(QStringLiteral("software-update-available")));
+            update = m_menu->addAction(menuSizeIcon(arrow), menuTitle(strings.text(SystemString::UpdateAvailable)));
+        } else {
+            update = m_menu->addAction(menuTitle(strings.text(SystemString::CheckForUpdates) + QStringLiteral("…")));
+        }
+        connect(update, &QAction::triggered, &updates, &Updates::checkForUpdates);
     }
-    // Builds without a feed say so in the window the item opens.
-    connect(update, &QAction::triggered, &updates, &Updates::checkForUpdates);
 
     QAction *feedback = m_menu->addAction(menuTitle(strings.text(SystemString::SendFeedback) + QStringLiteral("…")));
     connect(feedback, &QAction::triggered, this, &StatusMenu::sendFeedback);

@@ -74,16 +74,19 @@ void GeneralPane::addLoginRow(SystemStrings &strings)
 
 void GeneralPane::addUpdateRows(UpdateSettings &updates, SystemStrings &strings)
 {
+    if (!updates.isConfigured()) {
+        // Nothing to switch: the package manager brings new versions.
+        m_form->addRow(explanation(tr("Quillon is updated with the rest of your system, by your distribution."), this));
+        return;
+    }
     auto *automatic = new QCheckBox(strings.text(SystemString::AutomaticUpdates), this);
-    automatic->setChecked(updates.isConfigured() && updates.automaticallyChecksForUpdates());
-    automatic->setEnabled(updates.isConfigured());
+    automatic->setChecked(updates.automaticallyChecksForUpdates());
     connect(automatic, &QCheckBox::toggled, this,
             [&updates](bool on) { updates.setAutomaticallyChecksForUpdates(on); });
 
     QString checkText = strings.text(SystemString::CheckForUpdates);
     auto *check = new QPushButton(checkText + QStringLiteral("…"), this);
     check->setAccessibleName(checkText);
-    check->setEnabled(updates.isConfigured());
     connect(check, &QPushButton::clicked, this, [&updates] { updates.checkForUpdates(); });
 
     auto *row = new QHBoxLayout;
@@ -91,8 +94,6 @@ void GeneralPane::addUpdateRows(UpdateSettings &updates, SystemStrings &strings)
     row->addStretch();
     row->addWidget(check);
     m_form->addRow(row);
-    if (!updates.isConfigured())
-        m_form->addRow(explanation(tr("Update checks are turned off in this build."), this));
 }
 
 void GeneralPane::addRecentsRows(MenuStore &store, SystemStrings &strings)
