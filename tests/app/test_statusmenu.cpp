@@ -18,6 +18,7 @@
 
 #include <QLineEdit>
 #include <QMenu>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWidgetAction>
@@ -131,6 +132,63 @@ private Q_SLOTS:
                  qPrintable(text));
         QVERIFY(text.contains(QStringLiteral("\nBluetooth  <settings://gnome/bluetooth>\n---\nClear Menu\n")));
         QVERIFY(text.contains(QStringLiteral("vanished  (disabled)  ▸")));
+    }
+
+    // A custom menu's symbol, in its colour; a folder when the theme has
+    // neither the symbol nor a folder (off screen there is no theme at all).
+    void customMenusShowTheirSymbol_data()
+    {
+        QTest::addColumn<QString>("theme");
+        QTest::addColumn<QString>("symbol");
+        QTest::newRow("the theme's symbol") << "quillon-test"
+                                            << "starred-symbolic";
+        QTest::newRow("a symbol the theme lacks") << "quillon-test"
+                                                  << "no-such-symbol";
+        QTest::newRow("no theme") << ""
+                                  << "starred-symbolic";
+    }
+
+    void customMenusShowTheirSymbol()
+    {
+        QFETCH(QString, theme);
+        QFETCH(QString, symbol);
+        QTemporaryDir icons;
+        QDir(icons.path()).mkpath(QStringLiteral("quillon-test/scalable"));
+        QFile index(icons.filePath(QStringLiteral("quillon-test/index.theme")));
+        QVERIFY(index.open(QIODevice::WriteOnly));
+        index.write("[Icon Theme]\nName=Test\nDirectories=scalable\n[scalable]\nSize=16\nType=Scalable\n");
+        index.close();
+        QFile star(icons.filePath(QStringLiteral("quillon-test/scalable/starred-symbolic.svg")));
+        QVERIFY(star.open(QIODevice::WriteOnly));
+        star.write("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"16\">"
+                   "<path d=\"M8 1l2 5h5l-4 3 2 6-5-4-5 4 2-6-4-3h5z\"/></svg>");
+        star.close();
+        const QStringList paths = QIcon::themeSearchPaths();
+        const QString name = QIcon::themeName();
+        const auto restore = qScopeGuard([&] {
+            QIcon::setThemeSearchPaths(paths);
+            QIcon::setThemeName(name);
+        });
+        QIcon::setThemeSearchPaths({icons.path()});
+        QIcon::setThemeName(theme);
+
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("QPainter")));
+        // Rows share a preferences file: each menu has a name of its own.
+        const QString title = QString::fromUtf8(QTest::currentDataTag());
+        const CustomMenu menu = m_store->addMenu(title);
+        m_store->setSymbol(menu.id, symbol);
+        m_store->setColor(menu.id, FolderColor::Red);
+        m_menu->rebuild();
+        const QList<QAction *> items = m_menu->menu()->actions();
+        const auto item =
+            std::find_if(items.begin(), items.end(), [&](QAction *item) { return item->text() == title; });
+        QVERIFY(item != items.end());
+        const QImage image = (*item)->icon().pixmap(QSize(16, 16), 1.0).toImage();
+        QVERIFY(!image.isNull());
+        // Drawn in red; the star leaves the corner empty, the folder fills it.
+        QCOMPARE(image.pixelColor(8, 8).rgb(), QColor(0xe0, 0x1b, 0x24).rgb());
+        QCOMPARE(image.pixelColor(2, 11).alpha() == 0,
+                 theme == QLatin1String("quillon-test") && symbol == QLatin1String("starred-symbolic"));
     }
 
     void lazySubmenusFillOnce()
