@@ -234,7 +234,10 @@ void StatusMenu::addSearchResults(const QString &query)
 
 void StatusMenu::removeSuperfluousSeparators(qsizetype from)
 {
-    // None at the start, none twice in a row, none at the end.
+    // None at the start, none twice in a row, none at the end. A section
+    // header is a separator with a title to Qt, but it is content: it stays,
+    // and a line after it is not a second line.
+    const auto isLine = [](const QAction *action) { return action->isSeparator() && action->text().isEmpty(); };
     const auto remove = [this](QAction *action) {
         m_menu->removeAction(action);
         delete action;
@@ -242,12 +245,12 @@ void StatusMenu::removeSuperfluousSeparators(qsizetype from)
     qsizetype i = from;
     while (i < m_menu->actions().size()) {
         const auto actions = m_menu->actions();
-        if (actions.at(i)->isSeparator() && (i == from || actions.at(i - 1)->isSeparator()))
+        if (isLine(actions.at(i)) && (i == from || isLine(actions.at(i - 1))))
             remove(actions.at(i));
         else
             ++i;
     }
-    while (m_menu->actions().size() > from && m_menu->actions().last()->isSeparator())
+    while (m_menu->actions().size() > from && isLine(m_menu->actions().last()))
         remove(m_menu->actions().last());
 }
 

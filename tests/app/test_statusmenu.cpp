@@ -60,9 +60,13 @@ private Q_SLOTS:
     {
         qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("none")).toUtf8());
+        // Privacy is in no section: only a custom menu shows it.
         m_settings.set({{QStringLiteral("wifi"), QStringLiteral("bluetooth")}},
                        {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
-                        testPane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth"))});
+                        testPane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth")),
+                        testPane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
+                                 QList<QList<QString>>{{QStringLiteral("camera")}}),
+                        testPane(QStringLiteral("camera"), QStringLiteral("Camera"))});
         m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
         m_opener = std::make_unique<Opener>(m_launcher, [](const QString &) {});
     }
@@ -124,6 +128,11 @@ private Q_SLOTS:
         m_store->setStyle(SourceStyle::Inline, MenuSource::systemSettings());
         m_store->recordRecent(QUrl(QStringLiteral("settings://gnome/bluetooth")));
         m_store->setStyle(SourceStyle::Inline, MenuSource::recents());
+        // A place whose pane is not picked stands under its pane's header,
+        // spread inline as in a submenu.
+        const CustomMenu places = m_store->addMenu(QStringLiteral("Places"));
+        m_store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/camera")), places.id);
+        m_store->setStyle(SourceStyle::Inline, MenuSource::customMenu(places.id));
         m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("vanished/"))));
         m_menu->rebuild();
         const QString text = menuText(m_menu->menu(), 1);
@@ -131,6 +140,7 @@ private Q_SLOTS:
                      QStringLiteral("\nWi-Fi  <settings://gnome/wifi>\nBluetooth  <settings://gnome/bluetooth>\n")),
                  qPrintable(text));
         QVERIFY(text.contains(QStringLiteral("\nBluetooth  <settings://gnome/bluetooth>\n---\nClear Menu\n")));
+        QVERIFY(text.contains(QStringLiteral("\nClear Menu\n---\n[Privacy]\nCamera  <settings://gnome/camera>\n")));
         QVERIFY(text.contains(QStringLiteral("vanished  (disabled)  ▸")));
     }
 
