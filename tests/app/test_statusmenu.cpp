@@ -201,6 +201,22 @@ private Q_SLOTS:
                  theme == QLatin1String("quillon-test") && symbol == QLatin1String("starred-symbolic"));
     }
 
+    // The field is as wide as the menu's longest item, and at least 260.
+    void theSearchFieldFillsTheMenusWidth()
+    {
+        m_store->addMenu(QStringLiteral("A menu whose name is longer than any search field would be on its own"));
+        m_menu->rebuild();
+        QMenu *menu = m_menu->menu();
+        menu->popup(QPoint(0, 0));
+        QVERIFY(QTest::qWaitForWindowExposed(menu));
+        auto *search = qobject_cast<QWidgetAction *>(menu->actions().first());
+        QVERIFY(search);
+        const QWidget *container = search->defaultWidget();
+        QVERIFY(container->width() > 260);
+        QCOMPARE(container->width(), menu->actionGeometry(search).width());
+        menu->close();
+    }
+
     void lazySubmenusFillOnce()
     {
         int fills = 0;
