@@ -1,5 +1,6 @@
 #include "app/updatewindow.h"
 
+#include <QCloseEvent>
 #include <QDialogButtonBox>
 #include <QIcon>
 #include <QLabel>
@@ -57,8 +58,16 @@ QString UpdateWindow::headline() const
     return m_headline->text();
 }
 
+void UpdateWindow::closeEvent(QCloseEvent *event)
+{
+    if (std::exchange(m_checking, false))
+        Q_EMIT checkCancelled();
+    QWidget::closeEvent(event);
+}
+
 void UpdateWindow::showChecking()
 {
+    m_checking = true;
     m_headline->setText(tr("Checking for updates…"));
     m_detail->clear();
     m_progress->show();
@@ -70,6 +79,7 @@ void UpdateWindow::showChecking()
 
 void UpdateWindow::showResult(const UpdateCheckResult &result)
 {
+    m_checking = false;
     m_progress->hide();
     m_close->setText(tr("Close"));
     m_notes->hide();
