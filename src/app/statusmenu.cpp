@@ -1,6 +1,7 @@
 #include "app/statusmenu.h"
 
 #include "app/menuicon.h"
+#include "app/menuitemdescription.h"
 #include "app/searchfieldaction.h"
 #include "app/updates.h"
 #include "catalog/systemstrings.h"
@@ -201,9 +202,12 @@ void StatusMenu::addLayout()
         if (entry.style == SourceStyle::Submenu || m_services.sources.of(entry.source).isSingleItem()) {
             QAction *item = m_builder.addSourceItem(m_menu.get(), entry.source);
             if (item && !m_services.sources.isAvailable(entry.source)) {
+                const QString notAvailable = m_services.sources.context().strings.text(SystemString::NotAvailable);
                 item->setEnabled(false);
                 item->setIcon(menuSizeIcon(qApp->style()->standardIcon(QStyle::SP_MessageBoxWarning)));
-                item->setToolTip(m_services.sources.context().strings.text(SystemString::NotAvailable));
+                item->setToolTip(notAvailable);
+                // The symbol says it to the eye; this says it to screen readers.
+                setAccessibleDescription(item, notAvailable);
             }
         } else {
             m_builder.addItems(m_menu.get(), entry.source);

@@ -16,6 +16,7 @@
 #include "platform/opener.h"
 #include "sources/shortcutlibrary.h"
 
+#include <QAccessible>
 #include <QLineEdit>
 #include <QMenu>
 #include <QScopeGuard>
@@ -142,6 +143,18 @@ private Q_SLOTS:
         QVERIFY(text.contains(QStringLiteral("\nBluetooth  <settings://gnome/bluetooth>\n---\nClear Menu\n")));
         QVERIFY(text.contains(QStringLiteral("\nClear Menu\n---\n[Privacy]\nCamera  <settings://gnome/camera>\n")));
         QVERIFY(text.contains(QStringLiteral("vanished  (disabled)  ▸")));
+
+        // The warning symbol is read out too.
+        const QList<QAction *> items = m_menu->menu()->actions();
+        const auto vanished = std::find_if(items.begin(), items.end(),
+                                           [](QAction *item) { return item->text() == QLatin1String("vanished"); });
+        QVERIFY(vanished != items.end());
+        QAccessibleInterface *item =
+            QAccessible::queryAccessibleInterface(m_menu->menu())->child(int(vanished - items.begin()));
+        QVERIFY(item);
+        QCOMPARE(item->text(QAccessible::Name), QStringLiteral("vanished"));
+        QCOMPARE(item->text(QAccessible::Description), QStringLiteral("Not Available"));
+        QVERIFY(item->state().disabled);
     }
 
     // A custom menu's symbol, in its colour; a folder when the theme has
