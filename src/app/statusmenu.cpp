@@ -11,6 +11,7 @@
 #include "config/urls.h"
 #include "platform/itemicons.h"
 #include "platform/opener.h"
+#include "platform/systemrelease.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QApplication>
@@ -19,7 +20,6 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStyle>
-#include <QSysInfo>
 #include <QTimer>
 #include <QUrlQuery>
 
@@ -62,15 +62,16 @@ protected:
 
 } // namespace
 
-QUrl feedbackURL(const QString &version, const QString &osVersion)
+QUrl feedbackURL(const QString &version, const SystemRelease &system)
 {
     QUrl url;
     url.setScheme(QStringLiteral("mailto"));
     url.setPath(feedbackAddress);
     QUrlQuery query;
-    query.addQueryItem(QStringLiteral("subject"),
-                       QStringLiteral("%1/%2 Linux/%3 Feedback")
-                           .arg(displayName, version.isEmpty() ? QStringLiteral("?") : version, osVersion));
+    query.addQueryItem(
+        QStringLiteral("subject"),
+        QStringLiteral("%1/%2 %3/%4 Feedback")
+            .arg(displayName, version.isEmpty() ? QStringLiteral("?") : version, system.name, system.version));
     url.setQuery(query);
     return url;
 }
@@ -335,7 +336,7 @@ void StatusMenu::showAbout()
 
 void StatusMenu::sendFeedback()
 {
-    const QUrl url = feedbackURL(QCoreApplication::applicationVersion(), QSysInfo::productVersion());
+    const QUrl url = feedbackURL(QCoreApplication::applicationVersion(), SystemRelease::current());
     if (url.isValid())
         m_services.opener.open(url);
 }

@@ -16,6 +16,7 @@ class Preferences;
 class SearchFieldAction;
 class ShortcutLibrary;
 class Updates;
+struct SystemRelease;
 
 // The menu behind the tray icon, rebuilt from the configuration every time it
 // opens: the search field, the user's layout (or, while typing, the search
@@ -83,6 +84,7 @@ private:
     bool m_isOpen = false;
 };
 
-// The about text and the feedback link, with the product's addresses.
-QUrl feedbackURL(const QString &version, const QString &osVersion);
+// The feedback link, with the product's address: its subject names
+// Quillon's version and the system's ("Quillon/1.2 debian/12.5.0 Feedback").
+QUrl feedbackURL(const QString &version, const SystemRelease &system);
 inline constexpr const char *productSite = "https://quillon.app";

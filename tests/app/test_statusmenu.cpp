@@ -14,6 +14,7 @@
 #include "fixtures.h"
 #include "platform/dbusmenuexporter.h"
 #include "platform/opener.h"
+#include "platform/systemrelease.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QAccessible>
@@ -22,6 +23,7 @@
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrlQuery>
 #include <QWidgetAction>
 
 namespace {
@@ -409,6 +411,42 @@ private Q_SLOTS:
         QTest::ignoreMessage(QtWarningMsg, "QUILLON_TRAY names no tray: \"no-such-tray\"");
         QVERIFY(Tray::forSession() != nullptr);
         qunsetenv("QUILLON_TRAY");
+    }
+
+    // The subject names the system as a triager looks it up: the
+    // distribution's release as major.minor.patch, else the kernel's.
+    void theFeedbackSubjectNamesTheSystem_data()
+    {
+        QTest::addColumn<QString>("osRelease");
+        QTest::addColumn<QString>("debianVersion");
+        QTest::addColumn<QString>("subject");
+        QTest::newRow("Debian point release") << "ID=debian\nVERSION_ID=\"12\"\nVERSION=\"12 (bookworm)\"\n"
+                                              << "12.5\n"
+                                              << "Quillon/1.0 debian/12.5.0 Feedback";
+        QTest::newRow("Ubuntu point release")
+            << "ID=ubuntu\nVERSION_ID=\"22.04\"\nVERSION=\"22.04.3 LTS (Jammy Jellyfish)\"\n"
+            << "bookworm/sid\n"
+            << "Quillon/1.0 ubuntu/22.04.3 Feedback";
+        QTest::newRow("Fedora") << "ID=fedora\nVERSION_ID=40\nVERSION=\"40 (Workstation Edition)\"\n"
+                                << ""
+                                << "Quillon/1.0 fedora/40.0.0 Feedback";
+        QTest::newRow("Debian testing") << "ID=debian\nVERSION_CODENAME=trixie\n"
+                                        << "trixie/sid\n"
+                                        << "Quillon/1.0 Linux/6.1.0 Feedback";
+        QTest::newRow("no os-release") << ""
+                                       << ""
+                                       << "Quillon/1.0 Linux/6.1.0 Feedback";
+    }
+
+    void theFeedbackSubjectNamesTheSystem()
+    {
+        QFETCH(QString, osRelease);
+        QFETCH(QString, debianVersion);
+        QFETCH(QString, subject);
+        const QUrl url = feedbackURL(QStringLiteral("1.0"),
+                                     SystemRelease::from(osRelease, debianVersion, QStringLiteral("6.1.0-18-amd64")));
+        QCOMPARE(url.scheme(), QStringLiteral("mailto"));
+        QCOMPARE(QUrlQuery(url).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded), subject);
     }
 
     void menuIconsAreSixteenPoints()
