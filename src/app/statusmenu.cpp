@@ -1,5 +1,6 @@
 #include "app/statusmenu.h"
 
+#include "app/aboutwindow.h"
 #include "app/menuicon.h"
 #include "app/menuitemdescription.h"
 #include "app/searchfieldaction.h"
@@ -18,7 +19,6 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QStyle>
 #include <QTimer>
 #include <QUrlQuery>
@@ -327,11 +327,12 @@ void StatusMenu::open(const QUrl &url)
 
 void StatusMenu::showAbout()
 {
-    const QString site = QLatin1String(productSite);
-    const QString text =
-        QStringLiteral("<h3>%1</h3><p>%2 %3</p><p><a href=\"%4\">%5</a></p>")
-            .arg(displayName, tr("Version"), QCoreApplication::applicationVersion(), site, QUrl(site).host());
-    QMessageBox::about(nullptr, withName(m_services.sources.context().strings.text(SystemString::About)), text);
+    if (!m_about) {
+        m_about = std::make_unique<AboutWindow>(QCoreApplication::applicationVersion(), CatalogChoice::current(),
+                                                [this](const QUrl &url) { m_services.opener.open(url); });
+        m_about->setWindowTitle(withName(m_services.sources.context().strings.text(SystemString::About)));
+    }
+    m_about->present();
 }
 
 void StatusMenu::sendFeedback()

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 
+class AboutWindow;
 class Opener;
 class Preferences;
 class SearchFieldAction;
@@ -81,10 +82,10 @@ private:
     std::function<void()> m_openSearch;
     std::function<QKeySequence()> m_searchHotKey;
     std::optional<SearchSession> m_session;
+    std::unique_ptr<AboutWindow> m_about;
     bool m_isOpen = false;
 };
 
 // The feedback link, with the product's address: its subject names
 // Quillon's version and the system's ("Quillon/1.2 debian/12.5.0 Feedback").
 QUrl feedbackURL(const QString &version, const SystemRelease &system);
-inline constexpr const char *productSite = "https://quillon.app";

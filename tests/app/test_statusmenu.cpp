@@ -1,3 +1,4 @@
+#include "app/aboutwindow.h"
 #include "app/lazymenu.h"
 #include "app/menuicon.h"
 #include "app/menuprinter.h"
@@ -18,6 +19,7 @@
 #include "sources/shortcutlibrary.h"
 
 #include <QAccessible>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QScopeGuard>
@@ -447,6 +449,26 @@ private Q_SLOTS:
                                      SystemRelease::from(osRelease, debianVersion, QStringLiteral("6.1.0-18-amd64")));
         QCOMPARE(url.scheme(), QStringLiteral("mailto"));
         QCOMPARE(QUrlQuery(url).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded), subject);
+    }
+
+    // Not modal: the menu and the rest of Quillon keep working beside it.
+    void theAboutWindowNamesTheCatalogInUse()
+    {
+        AboutWindow about(QStringLiteral("1.0"),
+                          CatalogChoice{QStringLiteral("gnome/43.json"),
+                                        QStringLiteral("the session's desktop is GNOME"),
+                                        QStringLiteral("gnome-control-center --version names release 43.9")},
+                          [](const QUrl &) {});
+        about.present();
+        QVERIFY(!about.isModal());
+        QStringList texts;
+        for (const QLabel *label : about.findChildren<QLabel *>()) {
+            texts.append(label->text());
+            QVERIFY(label->alignment() & Qt::AlignHCenter);
+        }
+        QVERIFY2(texts.contains(QStringLiteral("Settings catalog: gnome/43.json")), qPrintable(texts.join(u'|')));
+        QVERIFY(texts.contains(QStringLiteral("The session's desktop is GNOME.")));
+        QVERIFY(texts.contains(QStringLiteral("Version 1.0")));
     }
 
     void menuIconsAreSixteenPoints()
