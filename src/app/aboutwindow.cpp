@@ -11,13 +11,6 @@ constexpr int iconSize = 64;
 // Wide enough for a settings program's AppStream path on one line or two.
 constexpr int textWidth = 320;
 
-QString sentence(QString text)
-{
-    if (!text.isEmpty())
-        text[0] = text.at(0).toUpper();
-    return text + QLatin1Char('.');
-}
-
 } // namespace
 
 AboutWindow::AboutWindow(const QString &version, const CatalogChoice &catalog, Open open, QWidget *parent)
@@ -56,10 +49,10 @@ AboutWindow::AboutWindow(const QString &version, const CatalogChoice &catalog, O
     layout->addSpacing(10);
     // Plain text people can select and paste into a report.
     QStringList lines{tr("Settings catalog: %1").arg(catalog.document)};
-    for (const QString &reason : {catalog.desktopReason, catalog.versionReason}) {
-        if (!reason.isEmpty())
-            lines.append(sentence(reason));
-    }
+    QStringList reasons{catalog.desktopReason, catalog.versionReason};
+    reasons.removeAll(QString());
+    if (!reasons.isEmpty())
+        lines.append(tr("Chosen because %1.").arg(reasons.join(tr(", and "))));
     for (const QString &line : std::as_const(lines)) {
         QLabel *label = smallLine(line);
         label->setTextFormat(Qt::PlainText);

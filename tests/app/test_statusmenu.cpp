@@ -467,7 +467,8 @@ private Q_SLOTS:
             QVERIFY(label->alignment() & Qt::AlignHCenter);
         }
         QVERIFY2(texts.contains(QStringLiteral("Settings catalog: gnome/43.json")), qPrintable(texts.join(u'|')));
-        QVERIFY(texts.contains(QStringLiteral("The session's desktop is GNOME.")));
+        QVERIFY(texts.contains(QStringLiteral("Chosen because the session's desktop is GNOME, and "
+                                              "gnome-control-center --version names release 43.9.")));
         QVERIFY(texts.contains(QStringLiteral("Version 1.0")));
     }
 
