@@ -59,6 +59,7 @@ UpdateWindow &AppDelegate::updateWindow()
     if (!m_updateWindow) {
         m_updateWindow = std::make_unique<UpdateWindow>(QCoreApplication::applicationVersion(),
                                                         [this](const QUrl &url) { m_services.opener.open(url); });
+        connect(m_updateWindow.get(), &UpdateWindow::checkCancelled, &m_services.updates, &Updates::cancelUserCheck);
     }
     return *m_updateWindow;
 }

@@ -7,8 +7,11 @@
 SearchFieldAction::SearchFieldAction(const QString &placeholder, QObject *parent)
     : QWidgetAction(parent)
 {
+    // At least 260 wide, as wide as the menu's longest item, and as tall as
+    // the field needs at the desktop's font size.
     auto *container = new QWidget;
-    container->setFixedSize(260, 30);
+    container->setMinimumWidth(minimumWidth);
+    container->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto *layout = new QHBoxLayout(container);
     layout->setContentsMargins(12, 4, 12, 4);
     m_field = new QLineEdit(container);

@@ -4,14 +4,17 @@
 
 class QLineEdit;
 
-// The search field at the top of the status menu: 260 × 30, the field inset
-// 12 × 4. Made once and moved from menu to menu, so it is parented to its
-// owner rather than to a menu that is cleared at every opening.
+// The search field at the top of the status menu: the menu's width, at
+// least 260, the field inset 12 × 4. Made once and moved from menu to menu,
+// so it is parented to its owner rather than to a menu that is cleared at
+// every opening.
 class SearchFieldAction : public QWidgetAction
 {
     Q_OBJECT
 
 public:
+    static constexpr int minimumWidth = 260;
+
     SearchFieldAction(const QString &placeholder, QObject *parent);
 
     QLineEdit *field() const { return m_field; }

@@ -1,6 +1,8 @@
 #include "app/statusmenu.h"
 
+#include "app/aboutwindow.h"
 #include "app/menuicon.h"
+#include "app/menuitemdescription.h"
 #include "app/searchfieldaction.h"
 #include "app/updates.h"
 #include "catalog/systemstrings.h"
@@ -10,15 +12,14 @@
 #include "config/urls.h"
 #include "platform/itemicons.h"
 #include "platform/opener.h"
+#include "platform/systemrelease.h"
 #include "sources/shortcutlibrary.h"
 
 #include <QApplication>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QStyle>
-#include <QSysInfo>
 #include <QTimer>
 #include <QUrlQuery>
 
@@ -61,15 +62,16 @@ protected:
 
 } // namespace
 
-QUrl feedbackURL(const QString &version, const QString &osVersion)
+QUrl feedbackURL(const QString &version, const SystemRelease &system)
 {
     QUrl url;
     url.setScheme(QStringLiteral("mailto"));
     url.setPath(feedbackAddress);
     QUrlQuery query;
-    query.addQueryItem(QStringLiteral("subject"),
-                       QStringLiteral("%1/%2 Linux/%3 Feedback")
-                           .arg(displayName, version.isEmpty() ? QStringLiteral("?") : version, osVersion));
+    query.addQueryItem(
+        QStringLiteral("subject"),
+        QStringLiteral("%1/%2 %3/%4 Feedback")
+            .arg(displayName, version.isEmpty() ? QStringLiteral("?") : version, system.name, system.version));
     url.setQuery(query);
     return url;
 }
@@ -201,9 +203,12 @@ void StatusMenu::addLayout()
         if (entry.style == SourceStyle::Submenu || m_services.sources.of(entry.source).isSingleItem()) {
             QAction *item = m_builder.addSourceItem(m_menu.get(), entry.source);
             if (item && !m_services.sources.isAvailable(entry.source)) {
+                const QString notAvailable = m_services.sources.context().strings.text(SystemString::NotAvailable);
                 item->setEnabled(false);
                 item->setIcon(menuSizeIcon(qApp->style()->standardIcon(QStyle::SP_MessageBoxWarning)));
-                item->setToolTip(m_services.sources.context().strings.text(SystemString::NotAvailable));
+                item->setToolTip(notAvailable);
+                // The symbol says it to the eye; this says it to screen readers.
+                setAccessibleDescription(item, notAvailable);
             }
         } else {
             m_builder.addItems(m_menu.get(), entry.source);
@@ -234,7 +239,10 @@ void StatusMenu::addSearchResults(const QString &query)
 
 void StatusMenu::removeSuperfluousSeparators(qsizetype from)
 {
-    // None at the start, none twice in a row, none at the end.
+    // None at the start, none twice in a row, none at the end. A section
+    // header is a separator with a title to Qt, but it is content: it stays,
+    // and a line after it is not a second line.
+    const auto isLine = [](const QAction *action) { return action->isSeparator() && action->text().isEmpty(); };
     const auto remove = [this](QAction *action) {
         m_menu->removeAction(action);
         delete action;
@@ -242,12 +250,12 @@ void StatusMenu::removeSuperfluousSeparators(qsizetype from)
     qsizetype i = from;
     while (i < m_menu->actions().size()) {
         const auto actions = m_menu->actions();
-        if (actions.at(i)->isSeparator() && (i == from || actions.at(i - 1)->isSeparator()))
+        if (isLine(actions.at(i)) && (i == from || isLine(actions.at(i - 1))))
             remove(actions.at(i));
         else
             ++i;
     }
-    while (m_menu->actions().size() > from && m_menu->actions().last()->isSeparator())
+    while (m_menu->actions().size() > from && isLine(m_menu->actions().last()))
         remove(m_menu->actions().last());
 }
 
@@ -322,16 +330,17 @@ void StatusMenu::open(const QUrl &url)
 
 void StatusMenu::showAbout()
 {
-    const QString site = QLatin1String(productSite);
-    const QString text =
-        QStringLiteral("<h3>%1</h3><p>%2 %3</p><p><a href=\"%4\">%5</a></p>")
-            .arg(displayName, tr("Version"), QCoreApplication::applicationVersion(), site, QUrl(site).host());
-    QMessageBox::about(nullptr, withName(m_services.sources.context().strings.text(SystemString::About)), text);
+    if (!m_about) {
+        m_about = std::make_unique<AboutWindow>(QCoreApplication::applicationVersion(), CatalogChoice::current(),
+                                                [this](const QUrl &url) { m_services.opener.open(url); });
+        m_about->setWindowTitle(withName(m_services.sources.context().strings.text(SystemString::About)));
+    }
+    m_about->present();
 }
 
 void StatusMenu::sendFeedback()
 {
-    const QUrl url = feedbackURL(QCoreApplication::applicationVersion(), QSysInfo::productVersion());
+    const QUrl url = feedbackURL(QCoreApplication::applicationVersion(), SystemRelease::current());
     if (url.isValid())
         m_services.opener.open(url);
 }

@@ -11,11 +11,13 @@
 #include <memory>
 #include <optional>
 
+class AboutWindow;
 class Opener;
 class Preferences;
 class SearchFieldAction;
 class ShortcutLibrary;
 class Updates;
+struct SystemRelease;
 
 // The menu behind the tray icon, rebuilt from the configuration every time it
 // opens: the search field, the user's layout (or, while typing, the search
@@ -80,9 +82,10 @@ private:
     std::function<void()> m_openSearch;
     std::function<QKeySequence()> m_searchHotKey;
     std::optional<SearchSession> m_session;
+    std::unique_ptr<AboutWindow> m_about;
     bool m_isOpen = false;
 };
 
-// The about text and the feedback link, with the product's addresses.
-QUrl feedbackURL(const QString &version, const QString &osVersion);
-inline constexpr const char *productSite = "https://quillon.app";
+// The feedback link, with the product's address: its subject names
+// Quillon's version and the system's ("Quillon/1.2 debian/12.5.0 Feedback").
+QUrl feedbackURL(const QString &version, const SystemRelease &system);

@@ -22,6 +22,16 @@ void UpdateChecker::check()
     connect(m_reply, &QNetworkReply::finished, this, &UpdateChecker::replyFinished);
 }
 
+void UpdateChecker::cancel()
+{
+    QNetworkReply *reply = std::exchange(m_reply, nullptr);
+    if (!reply)
+        return;
+    disconnect(reply, nullptr, this, nullptr);
+    reply->abort();
+    reply->deleteLater();
+}
+
 void UpdateChecker::replyFinished()
 {
     QNetworkReply *reply = std::exchange(m_reply, nullptr);

@@ -35,6 +35,8 @@ public:
 
     bool isRunning() const { return m_reply != nullptr; }
     void check();
+    // Drops the running check, if any: finished is not emitted for it.
+    void cancel();
     void setTransferTimeout(int milliseconds) { m_timeout = milliseconds; }
 
 Q_SIGNALS:

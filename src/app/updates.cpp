@@ -80,6 +80,14 @@ void Updates::checkForUpdates()
     m_checker->check();
 }
 
+void Updates::cancelUserCheck()
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    if (!std::exchange(m_userIsWaiting, false))
+        return;
+    m_checker->cancel();
+}
+
 void Updates::checkFinished(const UpdateCheckResult &result)
 {
     // A failed check is tried again at the next tick, not a day later.

@@ -34,6 +34,9 @@ public:
 
     // The user asked: check now and report through userCheckFinished.
     void checkForUpdates() override;
+    // The user gave up waiting: the check stops and reports nothing. The
+    // schedule tries again at its next look.
+    void cancelUserCheck();
     // A check due by the schedule, run now if it is due.
     void runScheduledCheckIfDue();
     // How often the schedule looks whether a check is due.

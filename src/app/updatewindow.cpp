@@ -2,6 +2,7 @@
 
 #include "platform/ownicons.h"
 
+#include <QCloseEvent>
 #include <QDialogButtonBox>
 #include <QIcon>
 #include <QLabel>
@@ -59,8 +60,16 @@ QString UpdateWindow::headline() const
     return m_headline->text();
 }
 
+void UpdateWindow::closeEvent(QCloseEvent *event)
+{
+    if (std::exchange(m_checking, false))
+        Q_EMIT checkCancelled();
+    QWidget::closeEvent(event);
+}
+
 void UpdateWindow::showChecking()
 {
+    m_checking = true;
     m_headline->setText(tr("Checking for updates…"));
     m_detail->clear();
     m_progress->show();
@@ -72,6 +81,7 @@ void UpdateWindow::showChecking()
 
 void UpdateWindow::showResult(const UpdateCheckResult &result)
 {
+    m_checking = false;
     m_progress->hide();
     m_close->setText(tr("Close"));
     m_notes->hide();

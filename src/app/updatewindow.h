@@ -28,6 +28,13 @@ public:
     // What the window says right now, for tests and diagnostics.
     QString headline() const;
 
+Q_SIGNALS:
+    // Closed, or Cancel pressed, while the check was still running.
+    void checkCancelled();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
 private:
     void present();
 
@@ -40,4 +47,5 @@ private:
     QPushButton *m_download;
     QPushButton *m_close;
     QUrl m_downloadURL;
+    bool m_checking = false;
 };

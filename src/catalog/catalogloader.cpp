@@ -249,7 +249,12 @@ std::optional<QString> chooseDocument(const QStringList &files, const std::optio
     return documents.first().second;
 }
 
-Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment)
+size_t qHash(const CatalogChoice &choice, size_t seed) noexcept
+{
+    return qHashMulti(seed, choice.document, choice.desktopReason, choice.versionReason);
+}
+
+Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment, CatalogChoice *choice)
 {
     QString desktopReason;
     const QString desktop = chooseDesktop(environment, &desktopReason);
@@ -304,10 +309,12 @@ Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment)
             versionReason += QStringLiteral(", served by release %1's catalog (aliases.json)")
                                  .arg(QFileInfo(*chosen).completeBaseName());
     }
-    qCInfo(lcCatalog, "Catalog %s/%s: %s; %s", qUtf8Printable(desktop), qUtf8Printable(QFileInfo(path).fileName()),
-           qUtf8Printable(desktopReason), qUtf8Printable(versionReason));
-
     const QString name = QFileInfo(path).fileName();
+    qCInfo(lcCatalog, "Catalog %s/%s: %s; %s", qUtf8Printable(desktop), qUtf8Printable(name),
+           qUtf8Printable(desktopReason), qUtf8Printable(versionReason));
+    if (choice)
+        *choice = {desktop + u'/' + name, desktopReason, versionReason};
+
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return Decoded<Catalog>::failure(name + QStringLiteral(" could not be decoded: ") + file.errorString());
@@ -319,24 +326,40 @@ Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment)
 
 namespace {
 
+struct LoadedCatalog {
+    Catalog catalog;
+    CatalogChoice choice;
+};
+
 // The documents are part of the program; without a usable one it cannot do
 // its job, so this ends the process rather than limp on.
-Catalog loadOrExit()
+LoadedCatalog loadOrExit()
 {
-    auto catalog = loadCatalog(CatalogEnvironment::system());
+    CatalogChoice choice;
+    auto catalog = loadCatalog(CatalogEnvironment::system(), &choice);
     if (!catalog) {
         qCCritical(lcCatalog, "%s", qUtf8Printable(catalog.error()));
         std::exit(EXIT_FAILURE);
     }
-    return std::move(catalog).value();
+    return {std::move(catalog).value(), std::move(choice)};
+}
+
+const LoadedCatalog &loaded()
+{
+    // A function-local static is initialised exactly once, even when several
+    // threads ask at the same time.
+    static const LoadedCatalog catalog = loadOrExit();
+    return catalog;
 }
 
 } // namespace
 
 const Catalog &Catalog::current()
 {
-    // A function-local static is initialised exactly once, even when several
-    // threads ask at the same time.
-    static const Catalog catalog = loadOrExit();
-    return catalog;
+    return loaded().catalog;
+}
+
+const CatalogChoice &CatalogChoice::current()
+{
+    return loaded().choice;
 }

@@ -69,6 +69,19 @@ std::optional<OSVersion> programVersion(const CatalogEnvironment &environment, c
 // Files whose names are not versions do not count. None when none is left.
 std::optional<QString> chooseDocument(const QStringList &files, const std::optional<OSVersion> &running);
 
+// Which document was read and why, in words for the log and for bug reports.
+struct CatalogChoice {
+    QString document; // the folder and file read: "gnome/43.json"
+    QString desktopReason;
+    QString versionReason;
+    bool operator==(const CatalogChoice &) const = default;
+
+    // The choice behind Catalog::current().
+    static const CatalogChoice &current();
+};
+
+size_t qHash(const CatalogChoice &choice, size_t seed = 0) noexcept;
+
 // The whole choice and decoding; a failure carries the message that ends the
-// process.
-Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment);
+// process. What was chosen goes to choice when given.
+Decoded<Catalog> loadCatalog(const CatalogEnvironment &environment, CatalogChoice *choice = nullptr);

@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QImage>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPixmap>
 
 namespace {
@@ -53,21 +54,51 @@ QColor tint(FolderColor color)
     return QColor(0x35, 0x84, 0xe4);
 }
 
+// A folder's outline, for when the theme has neither the symbol nor a folder
+// (no icon theme at all, as off screen).
+QImage standInSymbol(int pixels)
+{
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixels / 16.0, pixels / 16.0);
+    QPainterPath folder;
+    folder.addRoundedRect(QRectF(1.5, 2.5, 6, 3), 1, 1);
+    folder.addRoundedRect(QRectF(1.5, 4, 13, 9.5), 1.5, 1.5);
+    painter.fillPath(folder.simplified(), Qt::black);
+    return image;
+}
+
+// The theme's image of the first of these names it has, at this size.
+QImage themeSymbol(const QStringList &names, int pixels)
+{
+    for (const QString &name : names) {
+        const QIcon icon = QDir::isAbsolutePath(name)  ? iconForName(name)
+                           : QIcon::hasThemeIcon(name) ? QIcon::fromTheme(name)
+                                                       : QIcon();
+        const QPixmap pixmap = icon.pixmap(QSize(pixels, pixels), 1.0);
+        if (!pixmap.isNull())
+            return pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    }
+    return standInSymbol(pixels);
+}
+
 QIcon symbolIcon(const MenuSymbolIcon &description)
 {
+    // The theme is part of the key: another theme draws other images.
     static QHash<QString, QIcon> cache;
     const QString key = description.symbol.value_or(QString()) + QLatin1Char('|')
-                        + (description.color ? enumToString(*description.color) : QString());
+                        + (description.color ? enumToString(*description.color) : QString()) + QLatin1Char('|')
+                        + QIcon::themeName();
     if (const auto hit = cache.constFind(key); hit != cache.constEnd())
         return *hit;
-    QIcon base = description.symbol ? iconForName(*description.symbol) : QIcon();
-    if (base.isNull())
-        base = firstThemeIcon({QStringLiteral("folder-symbolic"), QStringLiteral("folder")});
+    QStringList names{QStringLiteral("folder-symbolic"), QStringLiteral("folder")};
+    if (description.symbol && !description.symbol->isEmpty())
+        names.prepend(*description.symbol);
     QIcon tinted;
     for (const qreal scale : {1.0, 2.0}) {
-        QImage image = base.pixmap(QSize(symbolSize, symbolSize) * scale)
-                           .toImage()
-                           .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        QImage image = themeSymbol(names, qRound(symbolSize * scale));
         QPainter painter(&image);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.fillRect(image.rect(), tint(description.color.value_or(FolderColor::Blue)));

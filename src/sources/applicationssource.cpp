@@ -1,6 +1,7 @@
 #include "config/menustore.h"
 #include "sources/contentsources.h"
 #include "sources/entrybuilders.h"
+#include "sources/rankedresults.h"
 #include "sources/sourcetitles.h"
 #include "sources/textmatch.h"
 
@@ -53,28 +54,34 @@ private:
 
         QList<SearchResult> results(const TextMatcher &matcher, int limit) override
         {
-            // Names that begin with the query first; library order otherwise.
-            QList<SearchResult> prefixed;
-            QList<SearchResult> others;
-            for (const auto &[app, folded] : apps()) {
-                if (!matcher.matches(folded))
+            // Names that begin with the query first, then the others that
+            // contain it, then those that do once punctuation and spaces are
+            // left out; library order within each.
+            enum Rank { Prefixed, Contained, Loose, Ranks };
+            RankedResults results(Ranks, limit);
+            for (const auto &[app, text] : apps()) {
+                if (!results.wantsMore())
+                    break;
+                const bool contained = matcher.matches(text);
+                if (!contained && !matcher.matchesLoosely(text))
                     continue;
                 SearchResult result{app.name, app.url, std::nullopt};
                 if (!app.icon.isEmpty())
                     result.icon = NamedIcon{app.icon};
                 else if (app.url.isLocalFile())
                     result.icon = FileIcon{app.url.toLocalFile()};
-                (matcher.isPrefixOf(folded) ? prefixed : others).append(result);
-                if (prefixed.size() >= limit)
-                    break;
+                results.add(!contained                        ? Loose
+                            : matcher.isPrefixOf(text.folded) ? Prefixed
+                                                              : Contained,
+                            std::move(result));
             }
-            return (prefixed + others).mid(0, std::max(limit, 0));
+            return std::move(results).take();
         }
 
     private:
         struct FoldedApp {
             App app;
-            QString folded;
+            SearchText text;
         };
 
         // Scanned once per session.
@@ -83,7 +90,7 @@ private:
             if (!m_apps) {
                 QList<FoldedApp> folded;
                 for (const auto &app : AppLibrary::apps(m_context.scanApps()))
-                    folded.append({app, foldForSearch(app.name)});
+                    folded.append({app, searchText(app.name)});
                 m_apps = std::move(folded);
             }
             return *m_apps;

@@ -2,6 +2,7 @@
 #include "config/urls.h"
 #include "sources/contentsources.h"
 #include "sources/entrybuilders.h"
+#include "sources/rankedresults.h"
 #include "sources/sourcetitles.h"
 #include "sources/textmatch.h"
 
@@ -69,23 +70,26 @@ private:
             if (!m_entries) {
                 QList<FoldedEntry> entries;
                 for (const auto &entry : m_context.listFolder(m_folder.url, m_folder.sort))
-                    entries.append({entry, foldForSearch(withoutExtension(entry.name))});
+                    entries.append({entry, searchText(withoutExtension(entry.name))});
                 m_entries = std::move(entries);
             }
-            QList<SearchResult> results;
-            for (const auto &[entry, folded] : std::as_const(*m_entries)) {
-                if (results.size() >= limit)
+            // Listing order; loose matches after the plain ones.
+            RankedResults results(2, limit);
+            for (const auto &[entry, text] : std::as_const(*m_entries)) {
+                if (!results.wantsMore())
                     break;
-                if (matcher.matches(folded))
-                    results.append({entry.name, entry.url, FileIcon{entry.url.toLocalFile()}});
+                if (matcher.matches(text))
+                    results.add(0, {entry.name, entry.url, FileIcon{entry.url.toLocalFile()}});
+                else if (matcher.matchesLoosely(text))
+                    results.add(1, {entry.name, entry.url, FileIcon{entry.url.toLocalFile()}});
             }
-            return results;
+            return std::move(results).take();
         }
 
     private:
         struct FoldedEntry {
             FolderEntry entry;
-            QString folded;
+            SearchText text;
         };
 
         const SourceContext &m_context;

@@ -29,10 +29,12 @@ public:
     MenuEntries items(const MenuSource &) const override
     {
         MenuEntries entries;
-        const auto &recents = m_context.store.recents();
-        const int shown = std::clamp(m_context.store.recentsLimit(), 0, int(recents.size()));
-        for (int i = 0; i < shown; ++i) {
-            const QUrl &url = recents.at(i);
+        // The limit counts what is shown: an address left out makes room
+        // for an older one.
+        const qsizetype limit = std::max(m_context.store.recentsLimit(), 0);
+        for (const QUrl &url : m_context.store.recents()) {
+            if (entries.size() >= limit)
+                break;
             // A file that is gone stays listed, disabled; an address nothing
             // describes any more (a deleted shortcut) is left out.
             if (url.isLocalFile() && !QFileInfo::exists(normalizedURL(url).toLocalFile())) {

@@ -1,6 +1,7 @@
 #include "config/urls.h"
 #include "sources/contentsources.h"
 #include "sources/entrybuilders.h"
+#include "sources/rankedresults.h"
 #include "sources/shortcutlibrary.h"
 #include "sources/sourcetitles.h"
 #include "sources/textmatch.h"
@@ -54,14 +55,18 @@ private:
 
         QList<SearchResult> results(const TextMatcher &matcher, int limit) override
         {
-            QList<SearchResult> results;
+            // The tool's order; loose matches after the plain ones.
+            RankedResults results(2, limit);
             for (const auto &shortcut : m_context.shortcuts.allShortcuts()) {
-                if (results.size() >= limit)
+                if (!results.wantsMore())
                     break;
-                if (matcher.matches(foldForSearch(shortcut.name)))
-                    results.append({shortcut.name, shortcutURL(shortcut.id), std::nullopt});
+                const SearchText text = searchText(shortcut.name);
+                if (matcher.matches(text))
+                    results.add(0, {shortcut.name, shortcutURL(shortcut.id), std::nullopt});
+                else if (matcher.matchesLoosely(text))
+                    results.add(1, {shortcut.name, shortcutURL(shortcut.id), std::nullopt});
             }
-            return results;
+            return std::move(results).take();
         }
 
     private:

@@ -2,6 +2,7 @@
 #include "sources/contentsources.h"
 #include "sources/entrybuilders.h"
 #include "sources/itemdescription.h"
+#include "sources/rankedresults.h"
 #include "sources/textmatch.h"
 
 namespace {
@@ -66,17 +67,29 @@ private:
         QList<SearchResult> results(const TextMatcher &matcher, int limit) override
         {
             const Catalog &catalog = m_context.catalog;
-            QList<SearchResult> results;
+            // What contains the query, in catalog order, then what does
+            // once punctuation and spaces are left out.
+            RankedResults results(2, limit);
+            const auto offer = [&](const QString &text, auto result) {
+                const SearchText &searched = prepared(text);
+                if (matcher.matches(searched))
+                    results.add(0, result());
+                else if (matcher.matchesLoosely(searched))
+                    results.add(1, result());
+            };
             const auto visit = [&](const Pane &pane) {
-                if (results.size() >= limit)
+                if (!results.wantsMore())
                     return;
                 const QString paneName = m_context.strings.paneName(pane);
-                if (!pane.url.isEmpty() && matcher.matches(folded(paneName)))
-                    results.append({paneName, pane.url, CatalogIcon{pane.icon}});
+                if (!pane.url.isEmpty())
+                    offer(paneName, [&] { return SearchResult{paneName, pane.url, CatalogIcon{pane.icon}}; });
                 for (const auto &item : pane.items()) {
-                    const QString label = m_context.strings.itemLabel(item);
-                    if (results.size() < limit && matcher.matches(folded(label)))
-                        results.append({placeTitle(m_context.strings, pane, item), item.url, CatalogIcon{item.icon}});
+                    if (!results.wantsMore())
+                        break;
+                    offer(m_context.strings.itemLabel(item), [&] {
+                        return SearchResult{placeTitle(m_context.strings, pane, item), item.url,
+                                            CatalogIcon{item.icon}};
+                    });
                 }
             };
             for (const auto &section : catalog.sections) {
@@ -89,20 +102,20 @@ private:
                         visit(child);
                 }
             }
-            return results;
+            return std::move(results).take();
         }
 
     private:
-        QString folded(const QString &text)
+        const SearchText &prepared(const QString &text)
         {
-            auto it = m_folded.constFind(text);
-            if (it == m_folded.constEnd())
-                it = m_folded.insert(text, foldForSearch(text));
+            auto it = m_prepared.constFind(text);
+            if (it == m_prepared.constEnd())
+                it = m_prepared.insert(text, searchText(text));
             return *it;
         }
 
         const SourceContext &m_context;
-        QHash<QString, QString> m_folded;
+        QHash<QString, SearchText> m_prepared;
     };
 
     const SourceContext &m_context;

@@ -4,6 +4,7 @@
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 
+#include <QHashFunctions>
 #include <QVarLengthArray>
 
 namespace {
@@ -36,7 +37,35 @@ QString foldForSearch(const QString &text)
     return caseFolded(bare);
 }
 
+namespace {
+
+QString withoutPunctuationOrSpaces(const QString &folded)
+{
+    QString compact;
+    compact.reserve(folded.size());
+    for (const QChar c : folded) {
+        if (!c.isPunct() && !c.isSpace())
+            compact.append(c);
+    }
+    return compact;
+}
+
+} // namespace
+
+size_t qHash(const SearchText &text, size_t seed) noexcept
+{
+    return qHashMulti(seed, text.folded, text.compact);
+}
+
+SearchText searchText(const QString &text)
+{
+    QString folded = foldForSearch(text);
+    QString compact = withoutPunctuationOrSpaces(folded);
+    return {std::move(folded), std::move(compact)};
+}
+
 TextMatcher::TextMatcher(const QString &query)
     : m_folded(foldForSearch(query))
+    , m_compact(withoutPunctuationOrSpaces(m_folded))
 {
 }

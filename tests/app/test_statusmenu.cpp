@@ -1,3 +1,4 @@
+#include "app/aboutwindow.h"
 #include "app/lazymenu.h"
 #include "app/menuicon.h"
 #include "app/menuprinter.h"
@@ -14,12 +15,17 @@
 #include "fixtures.h"
 #include "platform/dbusmenuexporter.h"
 #include "platform/opener.h"
+#include "platform/systemrelease.h"
 #include "sources/shortcutlibrary.h"
 
+#include <QAccessible>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrlQuery>
 #include <QWidgetAction>
 
 namespace {
@@ -59,9 +65,13 @@ private Q_SLOTS:
     {
         qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
         qputenv("XDG_DATA_DIRS", m_dir.filePath(QStringLiteral("none")).toUtf8());
+        // Privacy is in no section: only a custom menu shows it.
         m_settings.set({{QStringLiteral("wifi"), QStringLiteral("bluetooth")}},
                        {testPane(QStringLiteral("wifi"), QStringLiteral("Wi-Fi")),
-                        testPane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth"))});
+                        testPane(QStringLiteral("bluetooth"), QStringLiteral("Bluetooth")),
+                        testPane(QStringLiteral("privacy"), QStringLiteral("Privacy"), {},
+                                 QList<QList<QString>>{{QStringLiteral("camera")}}),
+                        testPane(QStringLiteral("camera"), QStringLiteral("Camera"))});
         m_shortcuts = std::make_unique<ShortcutLibrary>(m_dir.filePath(QStringLiteral("no-tool")));
         m_opener = std::make_unique<Opener>(m_launcher, [](const QString &) {});
     }
@@ -124,6 +134,11 @@ private Q_SLOTS:
         m_store->setStyle(SourceStyle::Inline, MenuSource::systemSettings());
         m_store->recordRecent(QUrl(QStringLiteral("settings://gnome/bluetooth")));
         m_store->setStyle(SourceStyle::Inline, MenuSource::recents());
+        // A place whose pane is not picked stands under its pane's header,
+        // spread inline as in a submenu.
+        const CustomMenu places = m_store->addMenu(QStringLiteral("Places"));
+        m_store->setIncluded(true, QUrl(QStringLiteral("settings://gnome/camera")), places.id);
+        m_store->setStyle(SourceStyle::Inline, MenuSource::customMenu(places.id));
         m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("vanished/"))));
         m_menu->rebuild();
         const QString text = menuText(m_menu->menu(), 1);
@@ -131,7 +146,93 @@ private Q_SLOTS:
                      QStringLiteral("\nWi-Fi  <settings://gnome/wifi>\nBluetooth  <settings://gnome/bluetooth>\n")),
                  qPrintable(text));
         QVERIFY(text.contains(QStringLiteral("\nBluetooth  <settings://gnome/bluetooth>\n---\nClear Menu\n")));
+        QVERIFY(text.contains(QStringLiteral("\nClear Menu\n---\n[Privacy]\nCamera  <settings://gnome/camera>\n")));
         QVERIFY(text.contains(QStringLiteral("vanished  (disabled)  ▸")));
+
+        // The warning symbol is read out too.
+        const QList<QAction *> items = m_menu->menu()->actions();
+        const auto vanished = std::find_if(items.begin(), items.end(),
+                                           [](QAction *item) { return item->text() == QLatin1String("vanished"); });
+        QVERIFY(vanished != items.end());
+        QAccessibleInterface *item =
+            QAccessible::queryAccessibleInterface(m_menu->menu())->child(int(vanished - items.begin()));
+        QVERIFY(item);
+        QCOMPARE(item->text(QAccessible::Name), QStringLiteral("vanished"));
+        QCOMPARE(item->text(QAccessible::Description), QStringLiteral("Not Available"));
+        QVERIFY(item->state().disabled);
+    }
+
+    // A custom menu's symbol, in its colour; a folder when the theme has
+    // neither the symbol nor a folder (off screen there is no theme at all).
+    void customMenusShowTheirSymbol_data()
+    {
+        QTest::addColumn<QString>("theme");
+        QTest::addColumn<QString>("symbol");
+        QTest::newRow("the theme's symbol") << "quillon-test"
+                                            << "starred-symbolic";
+        QTest::newRow("a symbol the theme lacks") << "quillon-test"
+                                                  << "no-such-symbol";
+        QTest::newRow("no theme") << ""
+                                  << "starred-symbolic";
+    }
+
+    void customMenusShowTheirSymbol()
+    {
+        QFETCH(QString, theme);
+        QFETCH(QString, symbol);
+        QTemporaryDir icons;
+        QDir(icons.path()).mkpath(QStringLiteral("quillon-test/scalable"));
+        QFile index(icons.filePath(QStringLiteral("quillon-test/index.theme")));
+        QVERIFY(index.open(QIODevice::WriteOnly));
+        index.write("[Icon Theme]\nName=Test\nDirectories=scalable\n[scalable]\nSize=16\nType=Scalable\n");
+        index.close();
+        QFile star(icons.filePath(QStringLiteral("quillon-test/scalable/starred-symbolic.svg")));
+        QVERIFY(star.open(QIODevice::WriteOnly));
+        star.write("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"16\">"
+                   "<path d=\"M8 1l2 5h5l-4 3 2 6-5-4-5 4 2-6-4-3h5z\"/></svg>");
+        star.close();
+        const QStringList paths = QIcon::themeSearchPaths();
+        const QString name = QIcon::themeName();
+        const auto restore = qScopeGuard([&] {
+            QIcon::setThemeSearchPaths(paths);
+            QIcon::setThemeName(name);
+        });
+        QIcon::setThemeSearchPaths({icons.path()});
+        QIcon::setThemeName(theme);
+
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("QPainter")));
+        // Rows share a preferences file: each menu has a name of its own.
+        const QString title = QString::fromUtf8(QTest::currentDataTag());
+        const CustomMenu menu = m_store->addMenu(title);
+        m_store->setSymbol(menu.id, symbol);
+        m_store->setColor(menu.id, FolderColor::Red);
+        m_menu->rebuild();
+        const QList<QAction *> items = m_menu->menu()->actions();
+        const auto item =
+            std::find_if(items.begin(), items.end(), [&](QAction *item) { return item->text() == title; });
+        QVERIFY(item != items.end());
+        const QImage image = (*item)->icon().pixmap(QSize(16, 16), 1.0).toImage();
+        QVERIFY(!image.isNull());
+        // Drawn in red; the star leaves the corner empty, the folder fills it.
+        QCOMPARE(image.pixelColor(8, 8).rgb(), QColor(0xe0, 0x1b, 0x24).rgb());
+        QCOMPARE(image.pixelColor(2, 11).alpha() == 0,
+                 theme == QLatin1String("quillon-test") && symbol == QLatin1String("starred-symbolic"));
+    }
+
+    // The field is as wide as the menu's longest item, and at least 260.
+    void theSearchFieldFillsTheMenusWidth()
+    {
+        m_store->addMenu(QStringLiteral("A menu whose name is longer than any search field would be on its own"));
+        m_menu->rebuild();
+        QMenu *menu = m_menu->menu();
+        menu->popup(QPoint(0, 0));
+        QVERIFY(QTest::qWaitForWindowExposed(menu));
+        auto *search = qobject_cast<QWidgetAction *>(menu->actions().first());
+        QVERIFY(search);
+        const QWidget *container = search->defaultWidget();
+        QVERIFY(container->width() > 260);
+        QCOMPARE(container->width(), menu->actionGeometry(search).width());
+        menu->close();
     }
 
     void lazySubmenusFillOnce()
@@ -313,6 +414,63 @@ private Q_SLOTS:
         QTest::ignoreMessage(QtWarningMsg, "QUILLON_TRAY names no tray: \"no-such-tray\"");
         QVERIFY(Tray::forSession() != nullptr);
         qunsetenv("QUILLON_TRAY");
+    }
+
+    // The subject names the system as a triager looks it up: the
+    // distribution's release as major.minor.patch, else the kernel's.
+    void theFeedbackSubjectNamesTheSystem_data()
+    {
+        QTest::addColumn<QString>("osRelease");
+        QTest::addColumn<QString>("debianVersion");
+        QTest::addColumn<QString>("subject");
+        QTest::newRow("Debian point release") << "ID=debian\nVERSION_ID=\"12\"\nVERSION=\"12 (bookworm)\"\n"
+                                              << "12.5\n"
+                                              << "Quillon/1.0 debian/12.5.0 Feedback";
+        QTest::newRow("Ubuntu point release")
+            << "ID=ubuntu\nVERSION_ID=\"22.04\"\nVERSION=\"22.04.3 LTS (Jammy Jellyfish)\"\n"
+            << "bookworm/sid\n"
+            << "Quillon/1.0 ubuntu/22.04.3 Feedback";
+        QTest::newRow("Fedora") << "ID=fedora\nVERSION_ID=40\nVERSION=\"40 (Workstation Edition)\"\n"
+                                << ""
+                                << "Quillon/1.0 fedora/40.0.0 Feedback";
+        QTest::newRow("Debian testing") << "ID=debian\nVERSION_CODENAME=trixie\n"
+                                        << "trixie/sid\n"
+                                        << "Quillon/1.0 Linux/6.1.0 Feedback";
+        QTest::newRow("no os-release") << ""
+                                       << ""
+                                       << "Quillon/1.0 Linux/6.1.0 Feedback";
+    }
+
+    void theFeedbackSubjectNamesTheSystem()
+    {
+        QFETCH(QString, osRelease);
+        QFETCH(QString, debianVersion);
+        QFETCH(QString, subject);
+        const QUrl url = feedbackURL(QStringLiteral("1.0"),
+                                     SystemRelease::from(osRelease, debianVersion, QStringLiteral("6.1.0-18-amd64")));
+        QCOMPARE(url.scheme(), QStringLiteral("mailto"));
+        QCOMPARE(QUrlQuery(url).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded), subject);
+    }
+
+    // Not modal: the menu and the rest of Quillon keep working beside it.
+    void theAboutWindowNamesTheCatalogInUse()
+    {
+        AboutWindow about(QStringLiteral("1.0"),
+                          CatalogChoice{QStringLiteral("gnome/43.json"),
+                                        QStringLiteral("the session's desktop is GNOME"),
+                                        QStringLiteral("gnome-control-center --version names release 43.9")},
+                          [](const QUrl &) {});
+        about.present();
+        QVERIFY(!about.isModal());
+        QStringList texts;
+        for (const QLabel *label : about.findChildren<QLabel *>()) {
+            texts.append(label->text());
+            QVERIFY(label->alignment() & Qt::AlignHCenter);
+        }
+        QVERIFY2(texts.contains(QStringLiteral("Settings catalog: gnome/43.json")), qPrintable(texts.join(u'|')));
+        QVERIFY(texts.contains(QStringLiteral("Chosen because the session's desktop is GNOME, and "
+                                              "gnome-control-center --version names release 43.9.")));
+        QVERIFY(texts.contains(QStringLiteral("Version 1.0")));
     }
 
     void menuIconsAreSixteenPoints()

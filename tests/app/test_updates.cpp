@@ -2,6 +2,7 @@
 #include "app/updatewindow.h"
 #include "config/preferences.h"
 
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTcpServer>
@@ -29,12 +30,14 @@ QByteArray feed(const QStringList &versions)
 }
 
 // A one-page web server on the loopback address, counting its requests.
+// While holding, requests wait for answerHeld().
 class FeedServer : public QTcpServer
 {
 public:
     QByteArray body;
     int status = 200;
     int requests = 0;
+    bool holding = false;
 
     FeedServer()
     {
@@ -45,18 +48,37 @@ public:
                     if (!socket->readAll().contains("\r\n\r\n"))
                         return;
                     ++requests;
-                    socket->write(QStringLiteral("HTTP/1.1 %1 X\r\nContent-Length: %2\r\nConnection: close\r\n\r\n")
-                                      .arg(status)
-                                      .arg(body.size())
-                                      .toUtf8()
-                                  + body);
-                    socket->disconnectFromHost();
+                    if (holding)
+                        m_held.append(socket);
+                    else
+                        answer(socket);
                 });
                 connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
             }
         });
     }
     QUrl url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1/appcast.xml").arg(serverPort())); }
+
+    void answerHeld()
+    {
+        for (const auto &socket : std::exchange(m_held, {})) {
+            if (socket && socket->state() == QAbstractSocket::ConnectedState)
+                answer(socket);
+        }
+    }
+
+private:
+    void answer(QTcpSocket *socket)
+    {
+        socket->write(QStringLiteral("HTTP/1.1 %1 X\r\nContent-Length: %2\r\nConnection: close\r\n\r\n")
+                          .arg(status)
+                          .arg(body.size())
+                          .toUtf8()
+                      + body);
+        socket->disconnectFromHost();
+    }
+
+    QList<QPointer<QTcpSocket>> m_held;
 };
 
 } // namespace
@@ -164,6 +186,44 @@ private Q_SLOTS:
             updates.checkForUpdates();
             QCOMPARE(finished.count(), 1);
         }
+    }
+
+    // Cancel ends the check: a late answer opens no window, and the next
+    // check asks the feed again.
+    void cancelStopsTheCheck()
+    {
+        FeedServer server;
+        server.body = feed({QStringLiteral("9.0")});
+        server.holding = true;
+        Preferences preferences(prefsPath());
+        Updates updates(preferences, server.url(), QStringLiteral("0.1.0"));
+        UpdateWindow window(QStringLiteral("0.1.0"), [](const QUrl &) {});
+        connect(&updates, &Updates::userCheckStarted, &window, &UpdateWindow::showChecking);
+        connect(&updates, &Updates::userCheckFinished, &window, &UpdateWindow::showResult);
+        connect(&window, &UpdateWindow::checkCancelled, &updates, &Updates::cancelUserCheck);
+        QSignalSpy finished(&updates, &Updates::userCheckFinished);
+
+        updates.checkForUpdates();
+        QTRY_COMPARE(server.requests, 1);
+        QPushButton *cancel = nullptr;
+        for (auto *button : window.findChildren<QPushButton *>()) {
+            if (button->text() == QLatin1String("Cancel"))
+                cancel = button;
+        }
+        QVERIFY(cancel && cancel->isVisible());
+        cancel->click();
+        QVERIFY(!window.isVisible());
+        server.answerHeld();
+        QTest::qWait(200);
+        QCOMPARE(finished.count(), 0);
+        QVERIFY(!window.isVisible());
+        QVERIFY(!updates.hasPendingUpdate());
+
+        server.holding = false;
+        updates.checkForUpdates();
+        QTRY_COMPARE(finished.count(), 1);
+        QCOMPARE(server.requests, 2);
+        QCOMPARE(window.headline(), QStringLiteral("Quillon 9.0 beta is available"));
     }
 
     void theWindowSaysWhatWasFound()

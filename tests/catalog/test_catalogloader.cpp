@@ -147,10 +147,15 @@ private Q_SLOTS:
 
     void loadingFollowsTheDesktopAndItsVersion()
     {
-        // GNOME Settings 44.1 gets the 43 document, not the newer 46.
-        const auto gnome = loadCatalog(environment(documents, {"GNOME"}));
+        // GNOME Settings 44.1 gets the 43 document, not the newer 46, and
+        // says why (the About window shows it).
+        CatalogChoice choice;
+        const auto gnome = loadCatalog(environment(documents, {"GNOME"}), &choice);
         QVERIFY2(gnome.ok(), qPrintable(gnome.error()));
         QCOMPARE(gnome.value().osVersion, QStringLiteral("43"));
+        QCOMPARE(choice.document, QStringLiteral("gnome/43.json"));
+        QCOMPARE(choice.desktopReason, QStringLiteral("the session's desktop is GNOME"));
+        QVERIFY2(choice.versionReason.endsWith(QStringLiteral("names release 44.1")), qPrintable(choice.versionReason));
         QCOMPARE(gnome.value().pane(QStringLiteral("wifi"))->url, QUrl(QStringLiteral("settings://gnome/wifi")));
 
         // The KDE document lacks an item URL: the whole load fails.

@@ -8,6 +8,7 @@
 #include "sources/shortcutlibrary.h"
 #include "sources/textmatch.h"
 
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -143,6 +144,38 @@ private Q_SLOTS:
         QCOMPARE(titles(session.search(QStringLiteral("s"), 1).first()), QStringList{"Safari"});
         QVERIFY(session.search(QStringLiteral("sa"), 0).isEmpty());
         QCOMPARE(m_scans, 1);
+    }
+
+    // Containment first, untouched; then what matches once punctuation and
+    // spaces are left out on both sides.
+    void punctuationAndSpacesMatchLast_data()
+    {
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<int>("limit");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("contained first") << "wifi" << 10 << QStringList{"WiFi Tool", "Network (Wifi)", "Wi-Fi Radar"};
+        QTest::newRow("limit keeps the contained") << "wifi" << 2 << QStringList{"WiFi Tool", "Network (Wifi)"};
+        QTest::newRow("spaces and symbols") << "datetime" << 10 << QStringList{"Date & Time"};
+        QTest::newRow("the query's own spaces") << "date time" << 10 << QStringList{"Date & Time"};
+        QTest::newRow("punctuation alone") << "-" << 10 << QStringList{"Wi-Fi Radar"};
+    }
+
+    void punctuationAndSpacesMatchLast()
+    {
+        QFETCH(QString, query);
+        QFETCH(int, limit);
+        QFETCH(QStringList, expected);
+        const auto library =
+            std::exchange(m_apps, {app(QStringLiteral("Wi-Fi Radar")), app(QStringLiteral("Date & Time")),
+                                   app(QStringLiteral("WiFi Tool")), app(QStringLiteral("Network (Wifi)"))});
+        const auto restore = qScopeGuard([&] { m_apps = library; });
+        SearchSession session(sources(freshStore()));
+        const auto groups = session.search(query, limit);
+        QVERIFY(!groups.isEmpty());
+        QCOMPARE(groups.first().title, QStringLiteral("Applications"));
+        QCOMPARE(titles(groups.first()), expected);
+        if (query == QLatin1String("wifi"))
+            QCOMPARE(titles(groups.last()), QStringList{"Wi-Fi"});
     }
 
     void settingsPlacesInCatalogOrder()

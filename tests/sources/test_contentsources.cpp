@@ -140,11 +140,15 @@ private Q_SLOTS:
     void recentsSkipWhatIsGoneAndCanBeCleared()
     {
         QFile(path(QStringLiteral("kept.txt"))).open(QIODevice::WriteOnly);
+        // A deleted shortcut and a place the catalog no longer has are left
+        // out, and do not count against the limit.
+        m_saved.store->setRecentsLimit(4);
         m_saved.store->setRecents(
             {QUrl(QStringLiteral("settings://gnome/wifi")),
              QUrl(QStringLiteral("shortcuts://run-shortcut?id=DEADBEEF-0000-4000-8000-000000000000")),
-             QUrl::fromLocalFile(path(QStringLiteral("kept.txt"))),
-             QUrl::fromLocalFile(path(QStringLiteral("gone.txt"))), QUrl(QStringLiteral("https://example.org/page"))});
+             QUrl(QStringLiteral("settings://gnome/screen")), QUrl::fromLocalFile(path(QStringLiteral("kept.txt"))),
+             QUrl::fromLocalFile(path(QStringLiteral("gone.txt"))), QUrl(QStringLiteral("https://example.org/page")),
+             QUrl(QStringLiteral("https://example.org/beyond"))});
         const ContentSources &all = sources();
         const MenuEntries entries = all.items(MenuSource::recents());
         QCOMPARE(describe(entries), (QStringList{"Wi-Fi", "kept.txt", "gone.txt (disabled)", "https://example.org/page",
