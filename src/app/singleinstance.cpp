@@ -266,6 +266,10 @@ bool SingleInstance::send(InstanceCommand command, const Activation &activation)
     return sendOverBus(command, activation);
 }
 
+// Only to one that runs: with the service file installed, the bus would
+// otherwise start a second Quillon for the first one's own start, and that
+// one would take the start for a person asking for the menu. Starting one
+// for a command is the light front's job.
 bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &activation)
 {
     QDBusConnection bus = commandBus();
@@ -278,6 +282,7 @@ bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &acti
             call << platformDataOf(activation);
         else
             call << enumToString(command) << QVariantList() << platformDataOf(activation);
+        call.setAutoStartService(false);
         const QDBusMessage reply = bus.call(call, QDBus::Block, socketTimeoutMs);
         if (reply.type() == QDBusMessage::ReplyMessage)
             return true;
@@ -287,8 +292,9 @@ bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &acti
         if (error != QDBusError::UnknownMethod && error != QDBusError::UnknownInterface)
             return false;
     }
-    const QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(serviceName), QLatin1String(objectPath),
-                                                             QLatin1String(serviceName), enumToString(command));
+    QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(serviceName), QLatin1String(objectPath),
+                                                       QLatin1String(serviceName), enumToString(command));
+    call.setAutoStartService(false);
     const QDBusMessage reply = bus.call(call, QDBus::Block, socketTimeoutMs);
     return reply.type() == QDBusMessage::ReplyMessage;
 }

@@ -185,10 +185,12 @@ private Q_SLOTS:
         qputenv("PATH", QFile::encodeName(QFileInfo(program).absolutePath()) + ':' + path);
         QCOMPARE(item.setEnabled(true), std::nullopt);
         QCOMPARE(autostartCommand(), QStringList({QStringLiteral("quillon"), QStringLiteral("--autostart")}));
-        qputenv("PATH", path);
-        // Gone from PATH since: written again for the program that runs now.
+        // Gone from PATH since (and none installed here): written again for
+        // the program that runs now.
+        qputenv("PATH", "/nonexistent");
         LoginItem moved(QStringLiteral("/opt/quillon/bin/quillon"));
         QCOMPARE(moved.renewIfStale(), std::nullopt);
+        qputenv("PATH", path);
         QCOMPARE(autostartCommand(),
                  QStringList({QStringLiteral("/opt/quillon/bin/quillon"), QStringLiteral("--autostart")}));
 

@@ -84,6 +84,24 @@ XDG_DATA_DIRS="$prefix/share:/usr/share" QUILLON_TRAY=none dbus-run-session -- b
   { cat "$artifacts/activation.log"; fail "the D-Bus service did not start the installed quillon"; }
 grep -q -- "--autostart" "$artifacts/activated-cmdline.txt" || fail "the service started $(cat "$artifacts/activated-cmdline.txt")"
 
+# A plain start with the service installed becomes the instance itself; the
+# bus must not start another one for it.
+XDG_DATA_DIRS="$prefix/share:/usr/share" QUILLON_TRAY=none dbus-run-session -- bash -c '
+  "$1" --autostart & started=$!
+  trap "kill $started 2>/dev/null" EXIT
+  for _ in $(seq 1 100); do
+    owner=$(dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+      org.freedesktop.DBus.GetConnectionUnixProcessID string:app.quillon.Quillon 2>/dev/null | sed -n "s/.*uint32 //p")
+    [ -n "$owner" ] && break
+    sleep 0.1
+  done
+  [ "$owner" = "$started" ] || { echo "the instance is $owner, not the started $started" >&2; exit 1; }
+' plain "$quillon" >"$artifacts/plain-start.log" 2>&1 ||
+  { cat "$artifacts/plain-start.log"; fail "a plain start was not the instance"; }
+if grep -q "Activating service name='app.quillon.Quillon'" "$artifacts/plain-start.log"; then
+  fail "a plain start had the bus start another Quillon"
+fi
+
 # Uninstalling removes every file the install wrote.
 cmake -DMANIFEST="$build/install_manifest.txt" -P "$(dirname "$0")/../../cmake/QuillonUninstall.cmake" >/dev/null
 left=$(find "$prefix" -type f)
