@@ -3,11 +3,16 @@
 #   make test  builds with warnings as errors and runs every test
 #   make bench measures the application index beside rofi and GLib (takes minutes)
 #   make test-kde  checks the hot keys on KWin with Plasma's shortcut daemon (installs KWin as root)
+#   make install   installs the release build under PREFIX (default /usr/local); make uninstall removes it
+#   make package   builds the Debian package (build/release/package/quillon_*.deb)
+#   make package-check  validates the desktop entry, AppStream data, completions and the package (lintian)
 JOBS ?= $(shell nproc)
 RELEASE_DIR := build/release
 DEBUG_DIR := build/debug
 
-.PHONY: run test test-kde deps build-release build-debug bench clean
+PREFIX ?= /usr/local
+
+.PHONY: run test test-kde deps build-release build-debug bench clean install uninstall package package-check
 
 deps:
 	@bash scripts/install-deps
@@ -38,6 +43,19 @@ bench: deps
 	cmake --build build/bench -j $(JOBS) --target quillon bench_applibrary bench_firstuse bench_startup
 	python3 -B -m unittest discover -s bench -p 'test_*.py'
 	python3 -B bench/run-bench.py build/bench
+
+install: build-release
+	cmake --install $(RELEASE_DIR) --prefix $(PREFIX)
+
+# Every file the last install wrote, from its manifest.
+uninstall:
+	cmake -DMANIFEST=$(RELEASE_DIR)/install_manifest.txt -P cmake/QuillonUninstall.cmake
+
+package: build-release
+	cd $(RELEASE_DIR) && cpack -G DEB
+
+package-check: package
+	bash scripts/check-package $(RELEASE_DIR)
 
 clean:
 	rm -rf build

@@ -11,10 +11,11 @@ set(CPACK_PACKAGE_DESCRIPTION
     "Quillon puts one icon in the desktop's panel. Its menu reaches the System\n"
     "Settings panels and their pages, installed applications, folders you add,\n"
     "your own scripts and recent items, and menus you compose from all of these.\n"
-    "A search field tops the menu; a floating search panel opens on a global\n"
+    "A search field tops the menu. A floating search panel opens on a global\n"
     "hot key, and a second one pops the menu up at the mouse.\n"
     "\n"
     "It works on GNOME and KDE Plasma, on X11 and Wayland.")
+# The pieces above are a list; joined, with no separator, they are the text.
 string(REPLACE ";" "" CPACK_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
