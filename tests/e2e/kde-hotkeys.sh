@@ -20,10 +20,9 @@ if [ "$(id -u)" = 0 ] && [ -z "${KDE_HOTKEYS_INNER:-}" ]; then
   id "$user" >/dev/null 2>&1 || useradd -m -s /bin/bash "$user"
   work=$(mktemp -d /tmp/quillon-kde.XXXXXX)
   chmod 755 "$work"
-  # The build's layout: bin/ beside lib/quillon/, where quillon loads the rest from.
-  mkdir -p "$work/bin" "$work/lib/quillon"
-  install -m 755 "$binary" "$work/bin/quillon"
-  install -m 755 "$(dirname "$binary")/../lib/quillon/libquillon.so" "$work/lib/quillon/"
+  # The build tree is laid out as an installed prefix (bin/, lib/, share/),
+  # and quillon finds the rest from where it is.
+  cp -a "$(dirname "$binary")/../bin" "$(dirname "$binary")/../lib" "$(dirname "$binary")/../share" "$work/"
   install -m 755 "$0" "$work/kde-hotkeys.sh"
   mkdir -p "$artifacts"
   chown "$user" "$work" "$artifacts"

@@ -18,10 +18,10 @@ if [ "$(id -u)" = 0 ]; then
   id "$user" >/dev/null 2>&1 || useradd --create-home --shell /bin/bash "$user"
   work=$(mktemp -d /tmp/quillon-wayland.XXXXXX)
   trap 'rm -rf "$work"' EXIT
-  # The build's layout: bin/ beside lib/quillon/, where quillon loads the rest from.
-  mkdir -p "$work/bin" "$work/lib/quillon" "$work/artifacts"
-  install -m 755 "$quillon" "$(dirname "$quillon")/quillon-shortcuts" "$work/bin/"
-  install -m 755 "$(dirname "$quillon")/../lib/quillon/libquillon.so" "$work/lib/quillon/"
+  # The build tree is laid out as an installed prefix (bin/, lib/, share/),
+  # and quillon finds the rest from where it is.
+  mkdir -p "$work/artifacts"
+  cp -a "$(dirname "$quillon")/../bin" "$(dirname "$quillon")/../lib" "$(dirname "$quillon")/../share" "$work/"
   install -m 755 "$here/wayland.sh" "$here/wlpointer.py" "$work/"
   chown -R "$user" "$work"
   chmod 755 "$work"
