@@ -51,7 +51,7 @@ SANITIZE_EXCLUDE ?=
 sanitize: deps
 	cmake -S . -B $(SANITIZE_DIR) -DCMAKE_BUILD_TYPE=Debug -DQUILLON_SANITIZE=ON -DQUILLON_BUILD_BENCHMARKS=OFF
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
-	ASAN_OPTIONS=halt_on_error=1:detect_leaks=1:strict_string_checks=1 \
+	ASAN_OPTIONS=halt_on_error=1:detect_leaks=1 \
 	UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
 	LSAN_OPTIONS=suppressions=$(CURDIR)/tests/sanitize/lsan.supp:print_suppressions=0 \
 	ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS) $(if $(SANITIZE_EXCLUDE),-E '$(SANITIZE_EXCLUDE)')
