@@ -59,3 +59,28 @@ package-check: package
 
 clean:
 	rm -rf build
+
+# Every test under AddressSanitizer and UndefinedBehaviorSanitizer (g++, as the
+# normal build). The first fault stops the test that met it. Leaks are
+# reported, none suppressed: a third-party one, if any shows, goes into a
+# suppression file with the reason it is not Quillon's.
+SANITIZE_DIR := build/sanitize
+SANITIZE_EXCLUDE ?=
+.PHONY: sanitize
+sanitize: deps
+	cmake -S . -B $(SANITIZE_DIR) -DCMAKE_BUILD_TYPE=Debug -DQUILLON_SANITIZE=ON -DQUILLON_BUILD_BENCHMARKS=OFF
+	cmake --build $(SANITIZE_DIR) -j $(JOBS)
+	ASAN_OPTIONS=halt_on_error=1:detect_leaks=1 \
+	UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
+	ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS) $(if $(SANITIZE_EXCLUDE),-E '$(SANITIZE_EXCLUDE)')
+
+# Each libFuzzer target of tests/fuzz for FUZZ_SECONDS (clang); crashing
+# inputs are kept under build/fuzz/artifacts.
+FUZZ_DIR := build/fuzz
+FUZZ_SECONDS ?= 20
+.PHONY: fuzz
+fuzz: deps
+	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++-14 -DQUILLON_FUZZ=ON \
+	  -DQUILLON_BUILD_TESTS=OFF -DQUILLON_BUILD_BENCHMARKS=OFF
+	cmake --build $(FUZZ_DIR) -j $(JOBS) --target quillon_fuzzers
+	bash scripts/run-fuzzers $(FUZZ_DIR) $(FUZZ_SECONDS)
