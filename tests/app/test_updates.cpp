@@ -254,6 +254,15 @@ private Q_SLOTS:
             else
                 QVERIFY2(std::holds_alternative<UpdateFound>(result), qPrintable(failure(result)));
         }
+        // The build's key reaches the checks: an unsigned feed is not believed.
+        server.signature.clear();
+        Preferences preferences(prefsPath());
+        Updates updates(preferences, server.url(), QStringLiteral("0.1.0"), publisher.publicKeyBase64());
+        QSignalSpy finished(&updates, &Updates::userCheckFinished);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Update check failed: .*signature")));
+        updates.checkForUpdates();
+        QTRY_COMPARE(finished.count(), 1);
+        QVERIFY(std::holds_alternative<CheckFailed>(finished.first().first().value<UpdateCheckResult>()));
     }
 
     void aScheduledCheckRaisesTheFlagAndTheUsersCheckClearsIt()
