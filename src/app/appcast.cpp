@@ -1,5 +1,7 @@
 #include "app/appcast.h"
 
+#include "common/log.h"
+
 #include <QXmlStreamReader>
 
 namespace {
@@ -16,6 +18,15 @@ bool isSparkle(const QXmlStreamAttribute &attribute, QLatin1String name)
 bool isSparkleElement(const QXmlStreamReader &xml, QLatin1String name)
 {
     return xml.name() == name && (xml.namespaceUri() == sparkleNamespace || xml.prefix() == QLatin1String("sparkle"));
+}
+
+void dropUnlessWebLink(QUrl &url)
+{
+    if (url.isEmpty() || isWebLink(url))
+        return;
+    qCWarning(lcApp, "Update feed: dropped the link \"%s\": only http and https links are opened",
+              qUtf8Printable(url.toString()));
+    url.clear();
 }
 
 AppcastItem readItem(QXmlStreamReader &xml)
@@ -50,6 +61,9 @@ AppcastItem readItem(QXmlStreamReader &xml)
     }
     if (item.shortVersion.isEmpty())
         item.shortVersion = item.version;
+    dropUnlessWebLink(item.downloadURL);
+    dropUnlessWebLink(item.releaseNotesURL);
+    dropUnlessWebLink(item.infoURL);
     return item;
 }
 
@@ -86,6 +100,14 @@ Decoded<QList<AppcastItem>> parseAppcast(const QByteArray &data)
     if (!sawChannel)
         return Decoded<QList<AppcastItem>>::failure(QStringLiteral("The update feed has no channel"));
     return items;
+}
+
+bool isWebLink(const QUrl &url)
+{
+    const QString scheme = url.scheme();
+    return url.isValid() && !url.host().isEmpty()
+           && (scheme.compare(QLatin1String("https"), Qt::CaseInsensitive) == 0
+               || scheme.compare(QLatin1String("http"), Qt::CaseInsensitive) == 0);
 }
 
 int compareVersions(const QString &a, const QString &b)

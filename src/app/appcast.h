@@ -25,7 +25,12 @@ struct AppcastItem {
 
 size_t qHash(const AppcastItem &item, size_t seed = 0) noexcept;
 
+// Links of an item that are not web links (isWebLink) are dropped with a
+// log line: a feed must not make us open a local file or run a script.
 Decoded<QList<AppcastItem>> parseAppcast(const QByteArray &xml);
+
+// An http or https address with a host: the only links a feed may have us open.
+bool isWebLink(const QUrl &url);
 
 // Compares dotted versions part by part as numbers ("1.10" > "1.9"); a
 // missing part counts as 0. Non-numeric parts compare as text.

@@ -4,7 +4,8 @@
 
 AppServices::AppServices()
     : store(preferences)
-    , updates(preferences, QUrl(QStringLiteral(QUILLON_UPDATE_FEED)), QCoreApplication::applicationVersion())
+    , updates(preferences, QUrl(QStringLiteral(QUILLON_UPDATE_FEED)), QCoreApplication::applicationVersion(),
+              QUILLON_UPDATE_KEY)
     , sources(SourceContext::shared(store, shortcuts, apps))
     , opener(launcher, [this](const QString &id) { shortcuts.run(id); })
 {

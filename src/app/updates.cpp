@@ -13,14 +13,24 @@ constexpr int firstTickMs = 10 * 1000;
 constexpr int tickMs = 60 * 60 * 1000;
 } // namespace
 
-Updates::Updates(Preferences &preferences, const QUrl &feed, const QString &currentVersion, QObject *parent)
+Updates::Updates(Preferences &preferences, const QUrl &feed, const QString &currentVersion, QByteArrayView updateKey,
+                 QObject *parent)
     : QObject(parent)
     , m_preferences(preferences)
 {
     QUILLON_ASSERT_MAIN_THREAD();
     if (feed.isEmpty() || !feed.isValid())
         return;
-    m_checker = new UpdateChecker(feed, currentVersion, this);
+    std::optional<FeedVerifier> verifier;
+    if (!updateKey.isEmpty()) {
+        verifier = FeedVerifier::fromBase64Key(updateKey);
+        // Checking without the key the build asks for would trust any feed.
+        if (!verifier) {
+            qCWarning(lcApp, "Update checks are off: the update key of this build is not a base64 Ed25519 key");
+            return;
+        }
+    }
+    m_checker = new UpdateChecker(feed, currentVersion, std::move(verifier), this);
     connect(m_checker, &UpdateChecker::finished, this, &Updates::checkFinished);
     connect(&m_schedule, &QTimer::timeout, this, [this] {
         m_schedule.setInterval(tickMs);

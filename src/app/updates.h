@@ -22,8 +22,10 @@ class Updates : public QObject, public UpdateSettings
 public:
     static constexpr qint64 checkIntervalSeconds = 24 * 60 * 60;
 
-    // An empty feed turns checking off.
-    Updates(Preferences &preferences, const QUrl &feed, const QString &currentVersion, QObject *parent = nullptr);
+    // An empty feed turns checking off. A key (base64 of a raw Ed25519 public
+    // key) makes every check require the feed's signature.
+    Updates(Preferences &preferences, const QUrl &feed, const QString &currentVersion, QByteArrayView updateKey = {},
+            QObject *parent = nullptr);
 
     bool isConfigured() const override { return m_checker != nullptr; }
     bool hasPendingUpdate() const { return m_hasPendingUpdate; }

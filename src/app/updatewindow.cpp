@@ -1,5 +1,6 @@
 #include "app/updatewindow.h"
 
+#include "common/log.h"
 #include "platform/ownicons.h"
 
 #include <QCloseEvent>
@@ -11,6 +12,21 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+namespace {
+
+// Release notes are the feed's HTML: their text is shown, but no image or
+// style sheet they name is loaded, as that would read this machine's files
+// (an <img src="file:///dev/zero"> reads until memory runs out).
+class NotesBrowser : public QTextBrowser
+{
+public:
+    using QTextBrowser::QTextBrowser;
+
+    QVariant loadResource(int, const QUrl &) override { return QByteArray(); }
+};
+
+} // namespace
+
 UpdateWindow::UpdateWindow(QString currentVersion, Open open, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , m_currentVersion(std::move(currentVersion))
@@ -18,7 +34,7 @@ UpdateWindow::UpdateWindow(QString currentVersion, Open open, QWidget *parent)
     , m_headline(new QLabel(this))
     , m_detail(new QLabel(this))
     , m_progress(new QProgressBar(this))
-    , m_notes(new QTextBrowser(this))
+    , m_notes(new NotesBrowser(this))
     , m_download(new QPushButton(tr("Download"), this))
     , m_close(new QPushButton(tr("Close"), this))
 {
@@ -35,14 +51,14 @@ UpdateWindow::UpdateWindow(QString currentVersion, Open open, QWidget *parent)
     m_progress->setRange(0, 0);
     m_notes->setOpenExternalLinks(false);
     m_notes->setOpenLinks(false);
-    connect(m_notes, &QTextBrowser::anchorClicked, this, [this](const QUrl &url) { m_open(url); });
+    connect(m_notes, &QTextBrowser::anchorClicked, this, &UpdateWindow::openLink);
     m_notes->setMinimumHeight(160);
 
     auto *buttons = new QDialogButtonBox(this);
     buttons->addButton(m_download, QDialogButtonBox::AcceptRole);
     buttons->addButton(m_close, QDialogButtonBox::RejectRole);
     connect(m_download, &QPushButton::clicked, this, [this] {
-        m_open(m_downloadURL);
+        openLink(m_downloadURL);
         close();
     });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
@@ -91,7 +107,7 @@ void UpdateWindow::showResult(const UpdateCheckResult &result)
         m_headline->setText(tr("Quillon %1 is available").arg(item.shortVersion));
         m_detail->setText(tr("You have version %1.").arg(m_currentVersion));
         QString notes = item.description;
-        if (item.releaseNotesURL.isValid() && !item.releaseNotesURL.isEmpty())
+        if (isWebLink(item.releaseNotesURL))
             notes += QStringLiteral("<p><a href=\"%1\">%2</a></p>")
                          .arg(item.releaseNotesURL.toString(QUrl::FullyEncoded).toHtmlEscaped(), tr("Release notes"));
         if (!notes.isEmpty()) {
@@ -99,9 +115,13 @@ void UpdateWindow::showResult(const UpdateCheckResult &result)
             m_notes->show();
         }
         // The download itself, else the page that describes the release.
-        m_downloadURL = !item.downloadURL.isEmpty() ? item.downloadURL
-                        : !item.infoURL.isEmpty()   ? item.infoURL
-                                                    : item.releaseNotesURL;
+        m_downloadURL.clear();
+        for (const QUrl &url : {item.downloadURL, item.infoURL, item.releaseNotesURL}) {
+            if (isWebLink(url)) {
+                m_downloadURL = url;
+                break;
+            }
+        }
         m_download->setVisible(!m_downloadURL.isEmpty());
         m_close->setText(tr("Later"));
     } else if (std::holds_alternative<UpToDate>(result)) {
@@ -112,6 +132,17 @@ void UpdateWindow::showResult(const UpdateCheckResult &result)
         m_detail->setText(std::get<CheckFailed>(result).error);
     }
     present();
+}
+
+void UpdateWindow::openLink(const QUrl &url)
+{
+    // Everything here comes from the feed: only web pages are opened.
+    if (!isWebLink(url)) {
+        qCWarning(lcApp, "Did not open \"%s\" from the update feed: only http and https links are opened",
+                  qUtf8Printable(url.toString()));
+        return;
+    }
+    m_open(url);
 }
 
 void UpdateWindow::present()

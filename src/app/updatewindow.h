@@ -36,6 +36,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void openLink(const QUrl &url);
     void present();
 
     QString m_currentVersion;

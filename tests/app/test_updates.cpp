@@ -9,6 +9,11 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBrowser>
+
+#include <openssl/evp.h>
+
+#include <memory>
 
 namespace {
 
@@ -30,14 +35,18 @@ QByteArray feed(const QStringList &versions)
 }
 
 // A one-page web server on the loopback address, counting its requests.
-// While holding, requests wait for answerHeld().
+// While holding, requests wait for answerHeld(). The feed's signature is
+// served beside it when there is one. An endless answer promises far more
+// than the body and never ends.
 class FeedServer : public QTcpServer
 {
 public:
     QByteArray body;
+    QByteArray signature;
     int status = 200;
     int requests = 0;
     bool holding = false;
+    bool endless = false;
 
     FeedServer()
     {
@@ -45,10 +54,13 @@ public:
         connect(this, &QTcpServer::newConnection, this, [this] {
             while (QTcpSocket *socket = nextPendingConnection()) {
                 connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                    if (!socket->readAll().contains("\r\n\r\n"))
+                    const QByteArray request = socket->readAll();
+                    if (!request.contains("\r\n\r\n"))
                         return;
                     ++requests;
-                    if (holding)
+                    if (request.split(' ').value(1).endsWith(".sig"))
+                        reply(socket, signature.isEmpty() ? 404 : 200, signature);
+                    else if (holding)
                         m_held.append(socket);
                     else
                         answer(socket);
@@ -68,18 +80,74 @@ public:
     }
 
 private:
-    void answer(QTcpSocket *socket)
+    void answer(QTcpSocket *socket) { reply(socket, status, body); }
+
+    void reply(QTcpSocket *socket, int code, const QByteArray &content)
     {
         socket->write(QStringLiteral("HTTP/1.1 %1 X\r\nContent-Length: %2\r\nConnection: close\r\n\r\n")
-                          .arg(status)
-                          .arg(body.size())
+                          .arg(code)
+                          .arg(endless ? 100 * content.size() : content.size())
                           .toUtf8()
-                      + body);
-        socket->disconnectFromHost();
+                      + content);
+        if (!endless)
+            socket->disconnectFromHost();
     }
 
     QList<QPointer<QTcpSocket>> m_held;
 };
+
+// An Ed25519 key pair made for the test, signing as a feed's publisher would.
+class SigningKey
+{
+public:
+    SigningKey()
+    {
+        EVP_PKEY_CTX *context = EVP_PKEY_CTX_new_id(EVP_PKEY_ED25519, nullptr);
+        EVP_PKEY *key = nullptr;
+        if (EVP_PKEY_keygen_init(context) == 1)
+            EVP_PKEY_keygen(context, &key);
+        EVP_PKEY_CTX_free(context);
+        m_key.reset(key);
+    }
+
+    QByteArray publicKeyBase64() const
+    {
+        QByteArray raw(32, '\0');
+        size_t size = size_t(raw.size());
+        EVP_PKEY_get_raw_public_key(m_key.get(), reinterpret_cast<unsigned char *>(raw.data()), &size);
+        return raw.toBase64();
+    }
+
+    QByteArray sign(const QByteArray &message) const
+    {
+        QByteArray signature(64, '\0');
+        size_t size = size_t(signature.size());
+        EVP_MD_CTX *context = EVP_MD_CTX_new();
+        EVP_DigestSignInit(context, nullptr, nullptr, nullptr, m_key.get());
+        EVP_DigestSign(context, reinterpret_cast<unsigned char *>(signature.data()), &size,
+                       reinterpret_cast<const unsigned char *>(message.constData()), size_t(message.size()));
+        EVP_MD_CTX_free(context);
+        return signature;
+    }
+
+private:
+    std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> m_key{nullptr, EVP_PKEY_free};
+};
+
+UpdateCheckResult checkOnce(UpdateChecker &checker)
+{
+    QSignalSpy finished(&checker, &UpdateChecker::finished);
+    checker.check();
+    if (finished.isEmpty() && !finished.wait(5000))
+        return CheckFailed{QStringLiteral("(no answer)")};
+    return finished.first().first().value<UpdateCheckResult>();
+}
+
+QString failure(const UpdateCheckResult &result)
+{
+    const auto *failed = std::get_if<CheckFailed>(&result);
+    return failed ? failed->error : QString();
+}
 
 } // namespace
 
@@ -114,6 +182,87 @@ private Q_SLOTS:
         QVERIFY(!parseAppcast("<html><body>Not found</body></html>").ok());
         QCOMPARE(parseAppcast("<rss><channel><item><title>no version</title></item></channel></rss>").value().size(),
                  0);
+    }
+
+    // A feed is fetched only over https (http only from this machine), read
+    // only up to its limit, opens only web links, and, with a key, counts
+    // only when its signature matches.
+    void aFeedIsBelievedOnlyWithinItsRules()
+    {
+        for (const char *insecure : {"http://quillon.app/appcast.xml", "http://127.0.0.1.quillon.app/appcast.xml"}) {
+            UpdateChecker checker(QUrl(QString::fromLatin1(insecure)), QStringLiteral("0.1.0"));
+            QVERIFY2(failure(checkOnce(checker)).contains(QLatin1String("https")), insecure);
+        }
+
+        FeedServer server;
+        server.body = QByteArray(2 * 1024 * 1024, ' ');
+        server.endless = true;
+        UpdateChecker endless(server.url(), QStringLiteral("0.1.0"));
+        const QString tooLarge = failure(checkOnce(endless));
+        QVERIFY2(tooLarge.contains(QLatin1String("larger than 1 MB")), qPrintable(tooLarge));
+        server.endless = false;
+
+        // Links that are not web pages are dropped, from the item and from
+        // the notes; the notes load nothing from this machine.
+        QByteArray xml = feed({QStringLiteral("9.0")});
+        xml.replace("https://quillon.app/download/quillon-9.0.tar.gz", "javascript:alert(1)");
+        xml.replace("https://quillon.app/notes/9.0", "file:///etc/passwd");
+        xml.replace("</title><description>", "</title><link>https://quillon.app/9.0</link><description>");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("dropped the link \"javascript:")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("dropped the link \"file:")));
+        AppcastItem item = parseAppcast(xml).value().first();
+        QVERIFY(item.downloadURL.isEmpty() && item.releaseNotesURL.isEmpty());
+        QCOMPARE(item.infoURL, QUrl(QStringLiteral("https://quillon.app/9.0")));
+
+        QFile secret(m_dir.filePath(QStringLiteral("secret.png")));
+        QVERIFY(secret.open(QIODevice::WriteOnly) && secret.write("secret") == 6);
+        secret.close();
+        const QUrl secretURL = QUrl::fromLocalFile(secret.fileName());
+        item.description =
+            QStringLiteral("<img src=\"%1\"><a href=\"file:///etc/passwd\">x</a>").arg(secretURL.toString());
+        QList<QUrl> opened;
+        UpdateWindow window(QStringLiteral("0.1.0"), [&](const QUrl &url) { opened.append(url); });
+        window.showResult(UpdateFound{item});
+        auto *notes = window.findChild<QTextBrowser *>();
+        QVERIFY(notes->document()->resource(QTextDocument::ImageResource, secretURL).toByteArray().isEmpty());
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Did not open \"file:///etc/passwd\"")));
+        Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("file:///etc/passwd")));
+        Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("https://quillon.app/notes")));
+        QCOMPARE(opened, QList{QUrl(QStringLiteral("https://quillon.app/notes"))});
+
+        // Signed feeds.
+        const SigningKey publisher;
+        const SigningKey stranger;
+        QVERIFY(!FeedVerifier::fromBase64Key(publisher.publicKeyBase64().left(40) + "==="));
+        server.body = feed({QStringLiteral("9.0")});
+        const struct {
+            QByteArray signature;
+            const char *failure;
+        } cases[] = {
+            {publisher.sign(server.body), nullptr},
+            {publisher.sign(server.body).toBase64() + "\n", nullptr},
+            {stranger.sign(server.body), "does not match"},
+            {"", "could not be read"},
+        };
+        for (const auto &signed_ : cases) {
+            server.signature = signed_.signature;
+            UpdateChecker checker(server.url(), QStringLiteral("0.1.0"),
+                                  FeedVerifier::fromBase64Key(publisher.publicKeyBase64()));
+            const UpdateCheckResult result = checkOnce(checker);
+            if (signed_.failure)
+                QVERIFY2(failure(result).contains(QLatin1String(signed_.failure)), qPrintable(failure(result)));
+            else
+                QVERIFY2(std::holds_alternative<UpdateFound>(result), qPrintable(failure(result)));
+        }
+        // The build's key reaches the checks: an unsigned feed is not believed.
+        server.signature.clear();
+        Preferences preferences(prefsPath());
+        Updates updates(preferences, server.url(), QStringLiteral("0.1.0"), publisher.publicKeyBase64());
+        QSignalSpy finished(&updates, &Updates::userCheckFinished);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Update check failed: .*signature")));
+        updates.checkForUpdates();
+        QTRY_COMPARE(finished.count(), 1);
+        QVERIFY(std::holds_alternative<CheckFailed>(finished.first().first().value<UpdateCheckResult>()));
     }
 
     void aScheduledCheckRaisesTheFlagAndTheUsersCheckClearsIt()
