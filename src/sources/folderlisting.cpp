@@ -111,6 +111,17 @@ FolderEntry makeEntry(const QString &folderPath, Child &child)
     return FolderEntry{std::move(child.name), url, child.isFolder};
 }
 
+// Orders the positions up to `middle`; a whole list sorts faster than a
+// partial sort of all of it would.
+template<typename Less>
+void sortFirst(std::vector<qsizetype> &order, std::vector<qsizetype>::iterator middle, Less less)
+{
+    if (middle == order.end())
+        std::sort(order.begin(), order.end(), less);
+    else
+        std::partial_sort(order.begin(), middle, order.end(), less);
+}
+
 // The positions of the first `count` children in sorted order. Only those
 // are ordered, which keeps folders of many thousands of items fast.
 std::vector<qsizetype> firstInOrder(const QList<Child> &children, FolderSort sort, qsizetype count)
@@ -122,7 +133,7 @@ std::vector<qsizetype> firstInOrder(const QList<Child> &children, FolderSort sor
 
     if (sort == FolderSort::Name && children.size() <= FolderListing::limit) {
         const QCollator collator = naturalOrder();
-        std::partial_sort(order.begin(), middle, order.end(), [&](qsizetype a, qsizetype b) {
+        sortFirst(order, middle, [&](qsizetype a, qsizetype b) {
             const int result = collator.compare(children[a].name, children[b].name);
             // Names equal but for case still list the same way every time.
             return result != 0 ? result < 0 : children[a].name < children[b].name;
@@ -135,14 +146,14 @@ std::vector<qsizetype> firstInOrder(const QList<Child> &children, FolderSort sor
         keys.reserve(size_t(children.size()));
         for (const Child &child : children)
             keys.push_back(collator.sortKey(child.name));
-        std::partial_sort(order.begin(), middle, order.end(), [&](qsizetype a, qsizetype b) {
+        sortFirst(order, middle, [&](qsizetype a, qsizetype b) {
             const int result = keys[size_t(a)].compare(keys[size_t(b)]);
             return result != 0 ? result < 0 : children[a].name < children[b].name;
         });
     } else {
         // Newest first; the position breaks ties, which makes this the stable
         // sort of the listing.
-        std::partial_sort(order.begin(), middle, order.end(), [&](qsizetype a, qsizetype b) {
+        sortFirst(order, middle, [&](qsizetype a, qsizetype b) {
             const qint64 dateA = children[a].date;
             const qint64 dateB = children[b].date;
             return dateA != dateB ? dateA > dateB : a < b;
