@@ -54,8 +54,10 @@ struct TestCatalog {
     {
         SourceContext context{store, shortcuts, *strings, catalog, index};
         context.scanApps = scanApps ? scanApps : [] { return QList<AppEntry>{}; };
-        if (listFolder)
+        if (listFolder) {
             context.listFolder = listFolder;
+            context.listWholeFolder = listFolder;
+        }
         made.push_back(std::make_unique<ContentSources>(context));
         return *made.back();
     }

@@ -6,8 +6,17 @@
 #include "common/mainthread.h"
 #include "platform/itemicons.h"
 
+#include "sources/listingqueue.h"
+
 #include <QAction>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QMenu>
+#include <QPointer>
+#include <QTimer>
+
+#include <algorithm>
 
 MenuBuilder::MenuBuilder(const ContentSources &sources, Open open)
     : m_sources(sources)
@@ -29,10 +38,16 @@ QAction *MenuBuilder::addOpenableItem(QMenu *menu, const QString &title, const Q
 }
 
 QMenu *MenuBuilder::addSubmenu(QMenu *menu, const QString &title, const std::optional<ItemIcon> &icon,
-                               std::function<MenuEntries()> fill)
+                               std::function<MenuEntries()> fill, bool fillsOffThread)
 {
-    auto *submenu =
-        new LazyMenu([this, fill = std::move(fill)](QMenu *m) { addEntries(m, fill()); }, emptyTitle(), menu);
+    auto *submenu = new LazyMenu(
+        [this, fill = std::move(fill), fillsOffThread](QMenu *m) {
+            if (fillsOffThread)
+                addEntriesLater(m, fill);
+            else
+                addEntries(m, fill());
+        },
+        emptyTitle(), menu);
     submenu->setTitle(menuTitle(title));
     submenu->setIcon(menuSizeIcon(drawnIcon(icon)));
     menu->addMenu(submenu);
@@ -48,6 +63,8 @@ QAction *MenuBuilder::addSourceItem(QMenu *menu, const MenuSource &source)
         addEntries(menu, kind.items(source));
         return menu->actions().size() > before ? menu->actions().at(before) : nullptr;
     }
+    if (auto work = kind.itemsOffThread(source))
+        return addSubmenu(menu, kind.title(source), kind.icon(source), std::move(work), true)->menuAction();
     QMenu *submenu =
         addSubmenu(menu, kind.title(source), kind.icon(source), [&kind, source] { return kind.items(source); });
     return submenu->menuAction();
@@ -56,6 +73,8 @@ QAction *MenuBuilder::addSourceItem(QMenu *menu, const MenuSource &source)
 void MenuBuilder::addItems(QMenu *menu, const MenuSource &source)
 {
     QUILLON_ASSERT_MAIN_THREAD();
+    if (auto work = m_sources.of(source).itemsOffThread(source))
+        return addEntriesLater(menu, std::move(work));
     addEntries(menu, m_sources.items(source));
 }
 
@@ -68,7 +87,7 @@ void MenuBuilder::addEntries(QMenu *menu, const MenuEntries &entries)
                 if constexpr (std::is_same_v<T, OpenableEntry>) {
                     addOpenableItem(menu, item.title, item.url, drawnIcon(item.icon))->setEnabled(item.enabled);
                 } else if constexpr (std::is_same_v<T, SubmenuEntry>) {
-                    addSubmenu(menu, item.title, item.icon, item.fill);
+                    addSubmenu(menu, item.title, item.icon, item.fill, item.fillsOffThread);
                 } else if constexpr (std::is_same_v<T, SectionEntry>) {
                     menu->addSection(menuTitle(item.title));
                 } else if constexpr (std::is_same_v<T, SeparatorEntry>) {
@@ -80,5 +99,67 @@ void MenuBuilder::addEntries(QMenu *menu, const MenuEntries &entries)
                 }
             },
             static_cast<const MenuEntry::variant &>(entry));
+    }
+}
+
+namespace {
+
+// Marks the item that stands in for entries still being read.
+constexpr char loadingProperty[] = "quillonLoading";
+
+} // namespace
+
+void MenuBuilder::addEntriesLater(QMenu *menu, std::function<MenuEntries()> work)
+{
+    ListingQueue *queue = m_sources.context().listings;
+    if (!queue) {
+        addEntries(menu, work());
+        return;
+    }
+    QAction *placeholder = menu->addAction(menuTitle(QCoreApplication::translate("MenuBuilder", "Loading…")));
+    placeholder->setEnabled(false);
+    placeholder->setProperty(loadingProperty, true);
+    queue->run(std::move(work), [this, menu = QPointer<QMenu>(menu), placeholder = QPointer<QAction>(placeholder)](
+                                    const std::optional<MenuEntries> &entries) {
+        // The status menu is rebuilt at each opening: a late listing may find
+        // its menu gone.
+        if (menu && placeholder)
+            placeLoadedEntries(menu, placeholder, entries);
+    });
+}
+
+void MenuBuilder::placeLoadedEntries(QMenu *menu, QAction *placeholder, const std::optional<MenuEntries> &entries)
+{
+    QUILLON_ASSERT_MAIN_THREAD();
+    const qsizetype before = menu->actions().size();
+    if (entries)
+        addEntries(menu, *entries);
+    const QList<QAction *> added = menu->actions().mid(before);
+    for (QAction *action : added)
+        menu->insertAction(placeholder, action);
+    // A menu of nothing but this item says so, as any empty menu does.
+    if (menu->actions().size() == 1) {
+        placeholder->setText(menuTitle(emptyTitle()));
+        placeholder->setProperty(loadingProperty, QVariant());
+        return;
+    }
+    menu->removeAction(placeholder);
+    placeholder->deleteLater();
+}
+
+bool MenuBuilder::isLoading(const QMenu *menu)
+{
+    const QList<QAction *> actions = menu->actions();
+    return std::any_of(actions.begin(), actions.end(),
+                       [](const QAction *action) { return action->property(loadingProperty).toBool(); });
+}
+
+void MenuBuilder::waitUntilLoaded(const QMenu *menu, std::chrono::milliseconds timeout)
+{
+    QDeadlineTimer deadline(timeout);
+    while (isLoading(menu) && !deadline.hasExpired()) {
+        QEventLoop wait;
+        QTimer::singleShot(10, &wait, &QEventLoop::quit);
+        wait.exec();
     }
 }

@@ -5,6 +5,7 @@
 #include <QIcon>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 
 class QAction;
@@ -30,9 +31,19 @@ public:
     // The text shown when a menu or a search has nothing to show.
     QString emptyTitle() const;
 
+    // Whether some of the menu's items are still being read.
+    static bool isLoading(const QMenu *menu);
+    // Waits, handling events, until the menu holds no item still being read
+    // or the time is up; for printing a menu, never for showing one.
+    static void waitUntilLoaded(const QMenu *menu, std::chrono::milliseconds timeout);
+
 private:
     QMenu *addSubmenu(QMenu *menu, const QString &title, const std::optional<ItemIcon> &icon,
-                      std::function<MenuEntries()> fill);
+                      std::function<MenuEntries()> fill, bool fillsOffThread = false);
+    // Entries that are read from disk: on a worker when there is one, with a
+    // "Loading…" item in their place until they arrive.
+    void addEntriesLater(QMenu *menu, std::function<MenuEntries()> work);
+    void placeLoadedEntries(QMenu *menu, QAction *placeholder, const std::optional<MenuEntries> &entries);
 
     const ContentSources &m_sources;
     Open m_open;

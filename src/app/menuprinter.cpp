@@ -1,6 +1,7 @@
 #include "app/menuprinter.h"
 
 #include "app/lazymenu.h"
+#include "app/menubuilder.h"
 
 #include <QAction>
 #include <QMenu>
@@ -17,6 +18,8 @@ QString shown(QString text)
 
 void print(QMenu *menu, int level, int depth, QString &out)
 {
+    // Folders are read on workers; a printout shows what they hold.
+    MenuBuilder::waitUntilLoaded(menu, std::chrono::seconds(10));
     const QString indent(level * 2, QLatin1Char(' '));
     for (QAction *action : menu->actions()) {
         if (action->isSeparator()) {

@@ -38,6 +38,10 @@ public:
     // Shown as its one item wherever it stands, never as a submenu.
     virtual bool isSingleItem() const { return false; }
     virtual MenuEntries items(const MenuSource &source) const = 0;
+    // For sources whose items are read from disk: items() as work that may
+    // take long and is safe on a worker thread, made now, on the main thread.
+    // Nothing when items() is cheap.
+    virtual std::function<MenuEntries()> itemsOffThread(const MenuSource &) const { return nullptr; }
 
     // The kinds of item a visible source of this kind makes reachable: only
     // those are searched.

@@ -3,6 +3,7 @@
 #include "catalog/systemstrings.h"
 #include "sources/appindex.h"
 #include "sources/itemdescription.h"
+#include "sources/listingqueue.h"
 
 // Each kind lives in a file of its own; this list is the only place that
 // names them all. Searches list their groups in this order.
@@ -39,7 +40,10 @@ SourceContext SourceContext::shared(MenuStore &store, const ShortcutLibrary &sho
                          SystemStrings::shared(),
                          Catalog::current(),
                          Destination::index(),
-                         [&apps] { return apps.tree(); }};
+                         [&apps] { return apps.tree(); },
+                         &FolderListing::page,
+                         &FolderListing::all,
+                         &ListingQueue::shared()};
 }
 
 ContentSources::ContentSources(SourceContext context)

@@ -12,6 +12,7 @@
 #include <memory>
 
 class AppIndex;
+class ListingQueue;
 class MenuStore;
 class ShortcutLibrary;
 class SystemStrings;
@@ -25,7 +26,11 @@ struct SourceContext {
     const Catalog &catalog;
     const QHash<QUrl, Destination> &destinations;
     std::function<QList<AppEntry>()> scanApps = [] { return AppLibrary::scan(); };
-    std::function<QList<FolderEntry>(const QUrl &, FolderSort)> listFolder = &FolderListing::list;
+    // What a menu shows of a folder, and everything a search goes through.
+    std::function<FolderPage(const QUrl &, FolderSort)> listFolder = &FolderListing::page;
+    std::function<QList<FolderEntry>(const QUrl &, FolderSort)> listWholeFolder = &FolderListing::all;
+    // Where menus read folders off the main thread; none: they read them at once.
+    ListingQueue *listings = nullptr;
 
     // The installed catalog, the session's own strings and the running
     // application index.

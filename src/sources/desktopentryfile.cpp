@@ -1,6 +1,7 @@
 #include "sources/desktopentryfile.h"
 
 #include "common/log.h"
+#include "common/smallfile.h"
 
 #include <glib.h>
 
@@ -159,56 +160,6 @@ bool isUtf8(QByteArrayView value)
     return g_utf8_validate_len(value.data(), gsize(value.size()), nullptr);
 }
 
-// Reads a whole regular file, at most `limit` bytes; `path` is relative to
-// `directory` unless absolute. Opening does not wait for a writer, so a FIFO
-// in a scanned folder costs nothing.
-std::optional<QByteArray> readRegularFile(int directory, const QByteArray &path, qint64 limit)
-{
-    const int fd = ::openat(directory, path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
-        return std::nullopt;
-    struct Closer {
-        int fd;
-        ~Closer() { ::close(fd); }
-    } closer{fd};
-    struct stat status { };
-    if (::fstat(fd, &status) != 0)
-        return std::nullopt;
-    if (!S_ISREG(status.st_mode)) {
-        qCInfo(lcSources) << QFile::decodeName(path) << "is not a regular file; skipped";
-        return std::nullopt;
-    }
-    const auto tooLarge = [&path, limit] {
-        qCWarning(lcSources) << QFile::decodeName(path) << "is larger than" << limit << "bytes; skipped";
-        return std::nullopt;
-    };
-    if (status.st_size > limit)
-        return tooLarge();
-    // One byte more than the size seen, to notice a file that grew since.
-    QByteArray data(qsizetype(status.st_size) + 1, Qt::Uninitialized);
-    qsizetype filled = 0;
-    for (;;) {
-        if (filled == data.size()) {
-            if (data.size() > limit)
-                return tooLarge();
-            data.resize(std::min<qsizetype>(data.size() * 2, limit + 1));
-        }
-        const ssize_t wanted = data.size() - filled;
-        const ssize_t count = ::read(fd, data.data() + filled, size_t(wanted));
-        if (count < 0) {
-            if (errno == EINTR || errno == EAGAIN)
-                continue;
-            return std::nullopt;
-        }
-        filled += count;
-        // A regular file reads short only at its end.
-        if (count < wanted)
-            break;
-    }
-    data.truncate(filled);
-    return data;
-}
-
 } // namespace
 
 QByteArrayList sessionLanguages()
@@ -227,10 +178,16 @@ std::optional<DesktopEntryFile> DesktopEntryFile::load(const QByteArray &path, c
 std::optional<DesktopEntryFile> DesktopEntryFile::loadAt(int directory, const QByteArray &path,
                                                          const QByteArrayList &languages)
 {
-    auto data = readRegularFile(directory, path, maximumSize);
-    if (!data)
+    SmallFile read = SmallFile::read(directory, path, maximumSize);
+    if (!read.ok()) {
+        // Missing files are ordinary (a link to a removed entry); anything
+        // else in an applications folder is worth a line.
+        if (!read.missing())
+            qCWarning(lcSources, "%s skipped: %s", qUtf8Printable(QFile::decodeName(path)),
+                      qUtf8Printable(read.reason()));
         return std::nullopt;
-    auto file = parse(std::move(*data), languages);
+    }
+    auto file = parse(std::move(read.data), languages);
     if (!file)
         qCDebug(lcSources) << QFile::decodeName(path) << "is not a readable desktop entry";
     return file;

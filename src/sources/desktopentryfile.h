@@ -27,7 +27,7 @@ class DesktopEntryFile
 public:
     // Larger files are not desktop entries anyone wrote; they are skipped
     // rather than read into memory.
-    static constexpr qint64 maximumSize = 4 * 1024 * 1024;
+    static constexpr qint64 maximumSize = 1024 * 1024;
 
     // Nothing when the file is not a regular file, cannot be read, is larger
     // than maximumSize, does not parse, or has no [Desktop Entry] group.

@@ -4,6 +4,8 @@
 #include "config/urls.h"
 #include "sources/contentsources.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 void appendNode(MenuEntries &entries, const SourceContext &context, const CustomMenuNode &node);
@@ -22,17 +24,28 @@ ItemIcon unavailableIcon()
 
 MenuEntries folderEntries(const SourceContext &context, const QUrl &folder, FolderSort sort)
 {
+    const FolderPage page = context.listFolder(folder, sort);
     MenuEntries entries;
-    for (const auto &entry : context.listFolder(folder, sort)) {
+    for (const auto &entry : page.entries) {
         const ItemIcon icon = FileIcon{entry.url.toLocalFile()};
         if (!entry.isFolder) {
             entries.append(OpenableEntry{entry.name, entry.url, icon});
             continue;
         }
-        entries.append(SubmenuEntry{entry.name, icon,
-                                    [&context, url = entry.url, sort] { return folderEntries(context, url, sort); }});
+        entries.append(SubmenuEntry{
+            entry.name, icon, [&context, url = entry.url, sort] { return folderEntries(context, url, sort); }, true});
     }
+    if (page.more() > 0)
+        entries.append(leftOutEntries(folder, page.more()));
     return entries;
+}
+
+MenuEntries leftOutEntries(const QUrl &folder, qsizetype count)
+{
+    return {SeparatorEntry{},
+            OpenableEntry{QCoreApplication::translate("FolderEntries", "%Ln more items", nullptr, int(count)), folder,
+                          std::nullopt, false},
+            OpenableEntry{QCoreApplication::translate("FolderEntries", "Open Folder"), folder, folderIcon()}};
 }
 
 MenuEntries appEntries(const QList<AppEntry> &entries)

@@ -9,7 +9,11 @@ struct SourceContext;
 // Menu entries for the shapes of content that several sources share.
 
 // A folder's contents; sub-folders are submenus listed when first shown.
+// Reads only the folder, through the context's listing: safe on a worker.
 MenuEntries folderEntries(const SourceContext &context, const QUrl &folder, FolderSort sort);
+// What closes a folder's menu when it shows only part of the folder: how
+// many items were left out, and the folder itself to open.
+MenuEntries leftOutEntries(const QUrl &folder, qsizetype count);
 // An application tree; its folders are submenus.
 MenuEntries appEntries(const QList<AppEntry> &entries);
 MenuEntries shortcutEntries(const QList<ShortcutRef> &shortcuts);

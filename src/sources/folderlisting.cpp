@@ -1,6 +1,7 @@
 #include "sources/folderlisting.h"
 
 #include "common/log.h"
+#include "common/smallfile.h"
 #include "sources/dirreader.h"
 #include "sources/naturalorder.h"
 
@@ -28,23 +29,21 @@ struct Child {
 };
 
 // The names a folder's .hidden file lists, one per line, as file managers
-// hide them.
-QSet<QByteArray> hiddenNames(int dirFd)
+// hide them. Anything but a small regular file is ignored, with a line.
+QSet<QByteArray> hiddenNames(int dirFd, const QString &folderPath)
 {
     QSet<QByteArray> names;
-    const int fd = openat(dirFd, ".hidden", O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
+    const SmallFile file = SmallFile::read(dirFd, ".hidden");
+    if (!file.ok()) {
+        if (!file.missing())
+            qCWarning(lcSources, "%s/.hidden ignored: %s", qUtf8Printable(folderPath), qUtf8Printable(file.reason()));
         return names;
-    QFile file;
-    if (file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
-        for (QByteArray line : file.readAll().split('\n')) {
-            if (line.endsWith('\r'))
-                line.chop(1);
-            if (!line.isEmpty())
-                names.insert(line);
-        }
-    } else {
-        close(fd);
+    }
+    for (QByteArray line : file.data.split('\n')) {
+        if (line.endsWith('\r'))
+            line.chop(1);
+        if (!line.isEmpty())
+            names.insert(line);
     }
     return names;
 }
@@ -89,7 +88,7 @@ std::optional<Listing> readFolder(const QUrl &url, FolderSort sort)
     if (!reader.isOpen())
         return std::nullopt;
 
-    const QSet<QByteArray> hidden = hiddenNames(reader.fd());
+    const QSet<QByteArray> hidden = hiddenNames(reader.fd(), listing.path);
     const bool byDate = sort != FolderSort::Name;
     DirReader::Entry entry;
     while (reader.next(entry)) {
@@ -112,6 +111,17 @@ FolderEntry makeEntry(const QString &folderPath, Child &child)
     return FolderEntry{std::move(child.name), url, child.isFolder};
 }
 
+// Orders the positions up to `middle`; a whole list sorts faster than a
+// partial sort of all of it would.
+template<typename Less>
+void sortFirst(std::vector<qsizetype> &order, std::vector<qsizetype>::iterator middle, Less less)
+{
+    if (middle == order.end())
+        std::sort(order.begin(), order.end(), less);
+    else
+        std::partial_sort(order.begin(), middle, order.end(), less);
+}
+
 // The positions of the first `count` children in sorted order. Only those
 // are ordered, which keeps folders of many thousands of items fast.
 std::vector<qsizetype> firstInOrder(const QList<Child> &children, FolderSort sort, qsizetype count)
@@ -121,17 +131,29 @@ std::vector<qsizetype> firstInOrder(const QList<Child> &children, FolderSort sor
         order[size_t(i)] = i;
     const auto middle = order.begin() + count;
 
-    if (sort == FolderSort::Name) {
+    if (sort == FolderSort::Name && children.size() <= FolderListing::limit) {
         const QCollator collator = naturalOrder();
-        std::partial_sort(order.begin(), middle, order.end(), [&](qsizetype a, qsizetype b) {
+        sortFirst(order, middle, [&](qsizetype a, qsizetype b) {
             const int result = collator.compare(children[a].name, children[b].name);
             // Names equal but for case still list the same way every time.
+            return result != 0 ? result < 0 : children[a].name < children[b].name;
+        });
+    } else if (sort == FolderSort::Name) {
+        // Comparing keys made once per name is many times faster than
+        // collating name pairs, which large folders need.
+        const QCollator collator = naturalOrder();
+        std::vector<QCollatorSortKey> keys;
+        keys.reserve(size_t(children.size()));
+        for (const Child &child : children)
+            keys.push_back(collator.sortKey(child.name));
+        sortFirst(order, middle, [&](qsizetype a, qsizetype b) {
+            const int result = keys[size_t(a)].compare(keys[size_t(b)]);
             return result != 0 ? result < 0 : children[a].name < children[b].name;
         });
     } else {
         // Newest first; the position breaks ties, which makes this the stable
         // sort of the listing.
-        std::partial_sort(order.begin(), middle, order.end(), [&](qsizetype a, qsizetype b) {
+        sortFirst(order, middle, [&](qsizetype a, qsizetype b) {
             const qint64 dateA = children[a].date;
             const qint64 dateB = children[b].date;
             return dateA != dateB ? dateA > dateB : a < b;
@@ -139,6 +161,17 @@ std::vector<qsizetype> firstInOrder(const QList<Child> &children, FolderSort sor
     }
     order.resize(size_t(count));
     return order;
+}
+
+// The first `count` children of a listing in sorted order.
+QList<FolderEntry> inOrder(Listing &listing, FolderSort sort, qsizetype count)
+{
+    count = std::min(listing.children.size(), count);
+    QList<FolderEntry> entries;
+    entries.reserve(count);
+    for (const qsizetype index : firstInOrder(listing.children, sort, count))
+        entries.append(makeEntry(listing.path, listing.children[index]));
+    return entries;
 }
 
 } // namespace
@@ -162,13 +195,21 @@ QList<FolderEntry> FolderListing::contents(const QUrl &folder)
 
 QList<FolderEntry> FolderListing::list(const QUrl &folder, FolderSort sort)
 {
+    return page(folder, sort).entries;
+}
+
+FolderPage FolderListing::page(const QUrl &folder, FolderSort sort)
+{
     auto listing = readFolder(folder, sort);
     if (!listing)
         return {};
-    const qsizetype count = std::min<qsizetype>(listing->children.size(), limit);
-    QList<FolderEntry> entries;
-    entries.reserve(count);
-    for (const qsizetype index : firstInOrder(listing->children, sort, count))
-        entries.append(makeEntry(listing->path, listing->children[index]));
-    return entries;
+    return FolderPage(inOrder(*listing, sort, limit), listing->children.size());
+}
+
+QList<FolderEntry> FolderListing::all(const QUrl &folder, FolderSort sort)
+{
+    auto listing = readFolder(folder, sort);
+    if (!listing)
+        return {};
+    return inOrder(*listing, sort, listing->children.size());
 }

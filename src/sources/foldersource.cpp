@@ -48,6 +48,15 @@ public:
         const auto folder = m_context.store.folder(*source.uuid());
         return folder ? folderEntries(m_context, folder->url, folder->sort) : MenuEntries();
     }
+    std::function<MenuEntries()> itemsOffThread(const MenuSource &source) const override
+    {
+        const auto folder = m_context.store.folder(*source.uuid());
+        if (!folder)
+            return [] { return MenuEntries(); };
+        return [&context = m_context, url = folder->url, sort = folder->sort] {
+            return folderEntries(context, url, sort);
+        };
+    }
 
     std::unique_ptr<SourceSearch> searchSource(const MenuSource &source) const override
     {
@@ -69,7 +78,7 @@ private:
         {
             if (!m_entries) {
                 QList<FoldedEntry> entries;
-                for (const auto &entry : m_context.listFolder(m_folder.url, m_folder.sort))
+                for (const auto &entry : m_context.listWholeFolder(m_folder.url, m_folder.sort))
                     entries.append({entry, searchText(withoutExtension(entry.name))});
                 m_entries = std::move(entries);
             }

@@ -30,6 +30,8 @@ struct SubmenuEntry {
     QString title;
     std::optional<ItemIcon> icon;
     std::function<MenuEntries()> fill;
+    // fill reads folders: it may take long, and is safe on a worker thread.
+    bool fillsOffThread = false;
 };
 
 // A heading over the items that follow it.

@@ -220,6 +220,15 @@ void ShortcutLibrary::runTool(const QStringList &arguments, std::function<void(c
         if (error == QProcess::FailedToStart)
             report(ToolRunError{process->errorString()});
     });
+    // A listing is a few bytes a shortcut; a tool that prints without end
+    // is stopped before it fills the memory.
+    connect(process, &QProcess::readyReadStandardOutput, this, [=] {
+        if (process->bytesAvailable() <= maximumToolOutput)
+            return;
+        report(ToolRunError{
+            QStringLiteral("shortcuts printed more than %1 bytes and was stopped").arg(maximumToolOutput)});
+        process->kill();
+    });
 
     deadline->start(m_toolTimeout);
     process->start();

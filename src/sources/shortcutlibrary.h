@@ -56,6 +56,8 @@ public:
 
     // A listing that takes longer than this is stopped and counts as failed.
     static constexpr std::chrono::milliseconds defaultToolTimeout{30'000};
+    // Far more than a listing of every shortcut anyone keeps.
+    static constexpr qint64 maximumToolOutput = 16 * 1024 * 1024;
 
     // The tool next to the quillon binary, else the one on PATH.
     explicit ShortcutLibrary(QObject *parent = nullptr);

@@ -78,7 +78,7 @@ const QList<std::tuple<const char *, const char *, QByteArray>> fixtures = {
     {"home", "invalidutf8de.desktop", entry("Name=German bad\nName[de]=Schlecht \xff\n")},
     {"home", "spaced.desktop", entry("Name = Spaced\nName[de] = Mit Abstand\nName[fr] = Espacé\n")},
     {"home", "biglines.desktop",
-     entry("Name=Big\nComment[fr]=" + QByteArray(1 << 20, 'x') + "\nKeywords=" + QByteArray(1 << 20, 'y') + "\n")},
+     entry("Name=Big\nComment[fr]=" + QByteArray(1 << 18, 'x') + "\nKeywords=" + QByteArray(1 << 18, 'y') + "\n")},
     {"home", "masked.desktop", entry("Name=Masking copy\n")},
     {"home", "maskhidden.desktop", entry("Name=Mask hidden\nHidden=true\n")},
     {"home", "maskbroken.desktop", "[Desktop Entry]\nType=Application\nName=Mask broken\nExec=\"\n"},

@@ -88,10 +88,10 @@ int list(const ScriptFolder &scripts, const QStringList &arguments)
 }
 
 // Replaces this process with the script, so its exit status (or the signal
-// that ended it) is ours and nothing sits in between.
-int exec(const QString &path)
+// that ended it) is ours and nothing sits in between. A script without a
+// "#!" line runs through /bin/sh, as a shell would run it.
+int exec(const QByteArray &file)
 {
-    const QByteArray file = QFile::encodeName(path);
     const QByteArray home = QFile::encodeName(QDir::homePath());
     if (::chdir(home.constData()) != 0) {
         std::fprintf(stderr, "quillon-shortcuts: cannot enter %s: %s\n", home.constData(), std::strerror(errno));
@@ -100,6 +100,10 @@ int exec(const QString &path)
     char *const argv[] = {const_cast<char *>(file.constData()), nullptr};
     std::fflush(stdout);
     ::execv(file.constData(), argv);
+    if (errno == ENOEXEC) {
+        char *const shellArgv[] = {const_cast<char *>("sh"), const_cast<char *>(file.constData()), nullptr};
+        ::execv("/bin/sh", shellArgv);
+    }
     std::fprintf(stderr, "quillon-shortcuts: cannot run %s: %s\n", file.constData(), std::strerror(errno));
     return cannotRunStatus;
 }

@@ -1,13 +1,17 @@
 #include "scriptfolder.h"
 
 #include <QCollator>
-#include <QDir>
-#include <QFileInfo>
+#include <QFile>
 #include <QLocale>
 #include <QStandardPaths>
 #include <QUuid>
 
 #include <algorithm>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -15,10 +19,40 @@ namespace {
 // shortcut a user has placed in a menu loses its identity.
 const QUuid identifierNamespace(QStringLiteral("88BEF240-D942-41A7-A113-2DFE463659AC"));
 
-// A listing line holds one name, so names that would break the line are left out.
-bool isPrintable(const QString &name)
+// A listing line holds one name: whatever would end or garble the line is
+// shown as a space.
+QString onOneLine(QString name)
 {
-    return std::none_of(name.cbegin(), name.cend(), [](QChar c) { return c.category() == QChar::Other_Control; });
+    for (QChar &c : name) {
+        const QChar::Category category = c.category();
+        if (category == QChar::Other_Control || category == QChar::Separator_Line
+            || category == QChar::Separator_Paragraph)
+            c = QLatin1Char(' ');
+    }
+    return name;
+}
+
+// The visible entries of a folder: sub-folders (links to folders count) or
+// executable regular files. Names are bytes, as the file system has them.
+QByteArrayList entriesOf(const QByteArray &dirPath, bool folders)
+{
+    QByteArrayList names;
+    DIR *dir = ::opendir(dirPath.constData());
+    if (!dir)
+        return names;
+    while (const dirent *entry = ::readdir(dir)) {
+        if (entry->d_name[0] == '.')
+            continue;
+        struct stat status { };
+        if (::fstatat(::dirfd(dir), entry->d_name, &status, 0) != 0)
+            continue;
+        const bool wanted = folders ? S_ISDIR(status.st_mode)
+                                    : S_ISREG(status.st_mode) && ::faccessat(::dirfd(dir), entry->d_name, X_OK, 0) == 0;
+        if (wanted)
+            names.append(QByteArray(entry->d_name));
+    }
+    ::closedir(dir);
+    return names;
 }
 
 void sortByName(QList<ScriptEntry> &entries)
@@ -47,13 +81,14 @@ QString ScriptFolder::defaultRoot()
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/quillon/shortcuts");
 }
 
-QString ScriptFolder::identifier(const QString &relativePath)
+QString ScriptFolder::identifier(const QByteArray &relativePath)
 {
     return QUuid::createUuidV5(identifierNamespace, relativePath).toString(QUuid::WithoutBraces).toUpper();
 }
 
-QString ScriptFolder::displayName(const QString &fileName)
+QString ScriptFolder::displayName(const QByteArray &fileBytes)
 {
+    const QString fileName = onOneLine(QString::fromUtf8(fileBytes));
     static const QStringList interpreterSuffixes{
         QStringLiteral("sh"),  QStringLiteral("bash"), QStringLiteral("zsh"), QStringLiteral("ksh"),
         QStringLiteral("csh"), QStringLiteral("fish"), QStringLiteral("py"),  QStringLiteral("py3"),
@@ -69,23 +104,21 @@ QString ScriptFolder::displayName(const QString &fileName)
 QList<ScriptEntry> ScriptFolder::folders() const
 {
     QList<ScriptEntry> entries;
-    const QDir dir(m_root);
-    for (const QString &name : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (isPrintable(name))
-            entries.append(ScriptEntry{name, identifier(name), dir.filePath(name)});
-    }
+    const QByteArray root = QFile::encodeName(m_root);
+    for (const QByteArray &name : entriesOf(root, true))
+        entries.append(ScriptEntry{onOneLine(QString::fromUtf8(name)), identifier(name), root + '/' + name});
     sortByName(entries);
     return entries;
 }
 
 QList<ScriptEntry> ScriptFolder::unfiledShortcuts() const
 {
-    return scripts(QString());
+    return scripts(QByteArray());
 }
 
 QList<ScriptEntry> ScriptFolder::shortcuts(const ScriptEntry &folder) const
 {
-    return scripts(QFileInfo(folder.path).fileName());
+    return scripts(folder.path.mid(folder.path.lastIndexOf('/') + 1));
 }
 
 QList<ScriptEntry> ScriptFolder::allShortcuts() const
@@ -97,16 +130,13 @@ QList<ScriptEntry> ScriptFolder::allShortcuts() const
     return entries;
 }
 
-QList<ScriptEntry> ScriptFolder::scripts(const QString &relativeDir) const
+QList<ScriptEntry> ScriptFolder::scripts(const QByteArray &relativeDir) const
 {
     QList<ScriptEntry> entries;
-    const QDir dir(relativeDir.isEmpty() ? m_root : m_root + QLatin1Char('/') + relativeDir);
-    for (const QString &fileName : dir.entryList(QDir::Files | QDir::Executable)) {
-        const QString name = displayName(fileName);
-        if (!isPrintable(name))
-            continue;
-        const QString relativePath = relativeDir.isEmpty() ? fileName : relativeDir + QLatin1Char('/') + fileName;
-        entries.append(ScriptEntry{name, identifier(relativePath), dir.filePath(fileName)});
+    const QByteArray dir = QFile::encodeName(m_root) + (relativeDir.isEmpty() ? QByteArray() : '/' + relativeDir);
+    for (const QByteArray &fileName : entriesOf(dir, false)) {
+        const QByteArray relativePath = relativeDir.isEmpty() ? fileName : relativeDir + '/' + fileName;
+        entries.append(ScriptEntry{displayName(fileName), identifier(relativePath), dir + '/' + fileName});
     }
     sortByName(entries);
     return entries;

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 
-// One script or one sub-folder of the scripts folder.
+// One script or one sub-folder of the scripts folder. The path keeps the
+// file name's bytes as they are: a name that is not UTF-8 still runs.
 struct ScriptEntry {
     QString name;
     QString id;
-    QString path;
+    QByteArray path;
     bool operator==(const ScriptEntry &) const = default;
 };
 
@@ -23,9 +25,11 @@ public:
     // $XDG_DATA_HOME/quillon/shortcuts.
     static QString defaultRoot();
     // The upper-case name-based UUID of a path relative to the root.
-    static QString identifier(const QString &relativePath);
-    // A file name without its interpreter extension ("Backup.sh" → "Backup").
-    static QString displayName(const QString &fileName);
+    static QString identifier(const QByteArray &relativePath);
+    // A file name without its interpreter extension ("Backup.sh" → "Backup"),
+    // on one line: line breaks, tabs and other control characters become
+    // spaces, bytes that are not UTF-8 the replacement character.
+    static QString displayName(const QByteArray &fileName);
 
     const QString &root() const { return m_root; }
     QList<ScriptEntry> folders() const;
@@ -36,7 +40,7 @@ public:
     QList<ScriptEntry> allShortcuts() const;
 
 private:
-    QList<ScriptEntry> scripts(const QString &relativeDir) const;
+    QList<ScriptEntry> scripts(const QByteArray &relativeDir) const;
 
     QString m_root;
 };
