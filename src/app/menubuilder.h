@@ -18,6 +18,11 @@ class MenuBuilder
 public:
     using Open = std::function<void(const QUrl &url)>;
 
+    // Items in one menu; past them a "More" submenu holds the rest. Qt takes
+    // time for every item a menu already holds when one is added, and nobody
+    // scrolls through thousands.
+    static constexpr int maxItems = 200;
+
     MenuBuilder(const ContentSources &sources, Open open);
 
     // One item for the whole source: a submenu, or a single shortcut itself.
@@ -25,12 +30,15 @@ public:
     // The source's items straight into `menu`.
     void addItems(QMenu *menu, const MenuSource &source);
     void addEntries(QMenu *menu, const MenuEntries &entries);
+    // The "More" submenu at the end of a full menu, filled when it opens.
+    void addMore(QMenu *menu, std::function<void(QMenu *)> fill);
     QAction *addOpenableItem(QMenu *menu, const QString &title, const QUrl &url, const QIcon &icon = {});
 
     // The text shown when a menu or a search has nothing to show.
     QString emptyTitle() const;
 
 private:
+    void addEntry(QMenu *menu, const MenuEntry &entry);
     QMenu *addSubmenu(QMenu *menu, const QString &title, const std::optional<ItemIcon> &icon,
                       std::function<MenuEntries()> fill);
 

@@ -84,15 +84,16 @@ private:
 
     void appendItem(MenuEntries &entries, MenuItemKind kind, const QUrl &url) const
     {
-        const QString path = normalizedURL(url).toLocalFile();
-        if (url.isLocalFile() && !QFileInfo::exists(path)) {
+        // One look at the disk per item, made only when this menu opens.
+        const QFileInfo file(normalizedURL(url).toLocalFile());
+        if (url.isLocalFile() && !file.exists()) {
             entries.append(OpenableEntry{folderTitle(url), url, std::nullopt, false});
             return;
         }
         const auto described = m_sources.describe(url);
         if (!described)
             return;
-        if (kind == MenuItemKind::Files && QFileInfo(path).isDir()) {
+        if (kind == MenuItemKind::Files && url.isLocalFile() && file.isDir()) {
             entries.append(SubmenuEntry{described->title, described->icon, [&context = m_context, url] {
                                             return folderEntries(context, url, FolderSort::Name);
                                         }});
