@@ -269,10 +269,15 @@ int runInstance(int argc, char **argv, const Activation &activation)
         return send(*command, activation);
 
     SingleInstance instance;
-    if (!instance.claim()) {
+    switch (instance.claim()) {
+    case SingleInstance::Claim::Claimed:
+        break;
+    case SingleInstance::Claim::Elsewhere:
         // Another one started in the meantime.
         SingleInstance::send(InstanceCommand::Reopen, activation);
         return 0;
+    case SingleInstance::Claim::Refused:
+        return 1;
     }
 
     ensureIconTheme();
