@@ -20,8 +20,8 @@ public:
 
     // Items in one menu; past them a "More" submenu holds the rest. Qt takes
     // time for every item a menu already holds when one is added, and nobody
-    // scrolls through thousands.
-    static constexpr int maxItems = 200;
+    // scrolls through thousands. Above what a folder lists, with its extras.
+    static constexpr int maxItems = 500;
 
     MenuBuilder(const ContentSources &sources, Open open);
 
