@@ -2,6 +2,7 @@
 #include "app/appservices.h"
 #include "app/layoutprinter.h"
 #include "app/queryanswerer.h"
+#include "app/quitsignals.h"
 #include "app/singleinstance.h"
 #include "catalog/localization.h"
 #include "catalog/owntranslation.h"
@@ -268,11 +269,19 @@ int runInstance(int argc, char **argv, const Activation &activation)
     if (const auto command = commandFor(parser, options))
         return send(*command, activation);
 
+    // A signal leaves through the event loop from here on, so that the
+    // socket claimed next is removed on the way out.
+    const QuitSignals quitSignals;
     SingleInstance instance;
-    if (!instance.claim()) {
+    switch (instance.claim()) {
+    case SingleInstance::Claim::Claimed:
+        break;
+    case SingleInstance::Claim::Elsewhere:
         // Another one started in the meantime.
         SingleInstance::send(InstanceCommand::Reopen, activation);
         return 0;
+    case SingleInstance::Claim::Refused:
+        return 1;
     }
 
     ensureIconTheme();

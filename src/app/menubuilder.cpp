@@ -78,28 +78,45 @@ void MenuBuilder::addItems(QMenu *menu, const MenuSource &source)
     addEntries(menu, m_sources.items(source));
 }
 
+void MenuBuilder::addMore(QMenu *menu, std::function<void(QMenu *)> fill)
+{
+    auto *more = new LazyMenu(std::move(fill), emptyTitle(), menu);
+    more->setTitle(QCoreApplication::translate("MenuBuilder", "More"));
+    menu->addMenu(more);
+}
+
 void MenuBuilder::addEntries(QMenu *menu, const MenuEntries &entries)
 {
-    for (const MenuEntry &entry : entries) {
-        std::visit(
-            [&](const auto &item) {
-                using T = std::decay_t<decltype(item)>;
-                if constexpr (std::is_same_v<T, OpenableEntry>) {
-                    addOpenableItem(menu, item.title, item.url, drawnIcon(item.icon))->setEnabled(item.enabled);
-                } else if constexpr (std::is_same_v<T, SubmenuEntry>) {
-                    addSubmenu(menu, item.title, item.icon, item.fill, item.fillsOffThread);
-                } else if constexpr (std::is_same_v<T, SectionEntry>) {
-                    menu->addSection(menuTitle(item.title));
-                } else if constexpr (std::is_same_v<T, SeparatorEntry>) {
-                    if (!menu->actions().isEmpty())
-                        menu->addSeparator();
-                } else {
-                    QAction *action = menu->addAction(menuTitle(item.title));
-                    QObject::connect(action, &QAction::triggered, menu, [run = item.run] { run(); });
-                }
-            },
-            static_cast<const MenuEntry::variant &>(entry));
+    const qsizetype start = menu->actions().size();
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        if (menu->actions().size() - start >= maxItems) {
+            addMore(menu, [this, rest = entries.mid(i)](QMenu *m) { addEntries(m, rest); });
+            return;
+        }
+        addEntry(menu, entries.at(i));
     }
+}
+
+void MenuBuilder::addEntry(QMenu *menu, const MenuEntry &entry)
+{
+    std::visit(
+        [&](const auto &item) {
+            using T = std::decay_t<decltype(item)>;
+            if constexpr (std::is_same_v<T, OpenableEntry>) {
+                addOpenableItem(menu, item.title, item.url, drawnIcon(item.icon))->setEnabled(item.enabled);
+            } else if constexpr (std::is_same_v<T, SubmenuEntry>) {
+                addSubmenu(menu, item.title, item.icon, item.fill, item.fillsOffThread);
+            } else if constexpr (std::is_same_v<T, SectionEntry>) {
+                menu->addSection(menuTitle(item.title));
+            } else if constexpr (std::is_same_v<T, SeparatorEntry>) {
+                if (!menu->actions().isEmpty())
+                    menu->addSeparator();
+            } else {
+                QAction *action = menu->addAction(menuTitle(item.title));
+                QObject::connect(action, &QAction::triggered, menu, [run = item.run] { run(); });
+            }
+        },
+        static_cast<const MenuEntry::variant &>(entry));
 }
 
 namespace {

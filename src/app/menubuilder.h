@@ -19,6 +19,11 @@ class MenuBuilder
 public:
     using Open = std::function<void(const QUrl &url)>;
 
+    // Items in one menu; past them a "More" submenu holds the rest. Qt takes
+    // time for every item a menu already holds when one is added, and nobody
+    // scrolls through thousands. Above what a folder lists, with its extras.
+    static constexpr int maxItems = 500;
+
     MenuBuilder(const ContentSources &sources, Open open);
 
     // One item for the whole source: a submenu, or a single shortcut itself.
@@ -26,6 +31,8 @@ public:
     // The source's items straight into `menu`.
     void addItems(QMenu *menu, const MenuSource &source);
     void addEntries(QMenu *menu, const MenuEntries &entries);
+    // The "More" submenu at the end of a full menu, filled when it opens.
+    void addMore(QMenu *menu, std::function<void(QMenu *)> fill);
     QAction *addOpenableItem(QMenu *menu, const QString &title, const QUrl &url, const QIcon &icon = {});
 
     // The text shown when a menu or a search has nothing to show.
@@ -38,6 +45,7 @@ public:
     static void waitUntilLoaded(const QMenu *menu, std::chrono::milliseconds timeout);
 
 private:
+    void addEntry(QMenu *menu, const MenuEntry &entry);
     QMenu *addSubmenu(QMenu *menu, const QString &title, const std::optional<ItemIcon> &icon,
                       std::function<MenuEntries()> fill, bool fillsOffThread = false);
     // Entries that are read from disk: on a worker when there is one, with a

@@ -1,5 +1,7 @@
 #include "app/singleinstance.h"
 
+#include "app/instancesocket.h"
+#include "app/socketfolder.h"
 #include "common/log.h"
 
 #include <QDBusAbstractAdaptor>
@@ -8,10 +10,6 @@
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDir>
-#include <QLocalServer>
-#include <QLocalSocket>
-#include <QStandardPaths>
-#include <QUrl>
 
 #include <memory>
 #include <utility>
@@ -128,14 +126,11 @@ private:
     SingleInstance *m_instance;
 };
 
-constexpr int socketTimeoutMs = 2000;
+constexpr int busTimeoutMs = 2000;
 
-// Over the socket the activation goes ahead of its command as "key=value"
-// lines, values percent-encoded; an instance that does not know them skips
-// them and still runs the command.
-QByteArray socketLine(const QString &key, const QString &value)
+QString socketIn(const QString &folder)
 {
-    return key.toUtf8() + '=' + QUrl::toPercentEncoding(value) + '\n';
+    return QDir(folder).filePath(QStringLiteral("quillon-%1.socket").arg(getuid()));
 }
 
 // Commands go out on a connection of their own. The shared session
@@ -186,13 +181,10 @@ SingleInstance::~SingleInstance()
 
 QString SingleInstance::socketPath()
 {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (folder.isEmpty())
-        folder = QDir::tempPath();
-    return QDir(folder).filePath(QStringLiteral("quillon-%1.socket").arg(getuid()));
+    return socketIn(socketFolder().path);
 }
 
-bool SingleInstance::claim()
+SingleInstance::Claim SingleInstance::claim()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
@@ -210,53 +202,24 @@ bool SingleInstance::claim()
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
         m_onBus = true;
         ownsBusName = true;
-        return true;
+        return Claim::Claimed;
     }
     bus.unregisterObject(QLatin1String(objectPath));
-    return false;
+    return Claim::Elsewhere;
 }
 
-bool SingleInstance::claimSocket()
+SingleInstance::Claim SingleInstance::claimSocket()
 {
-    const QString path = socketPath();
-    {
-        QLocalSocket probe;
-        probe.connectToServer(path);
-        if (probe.waitForConnected(socketTimeoutMs))
-            return false;
+    // In a folder others can write to, another user could answer in our
+    // name, or stand in the way of the socket: better no Quillon than that.
+    const SocketFolder folder = socketFolder();
+    if (!folder.isUsable()) {
+        qCCritical(lcApp, "%s", qUtf8Printable(folder.problem));
+        return Claim::Refused;
     }
-    // Nobody answered: whatever socket file is there was left by a crash.
-    QLocalServer::removeServer(path);
-    m_server = new QLocalServer(this);
-    m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    if (!m_server->listen(path)) {
-        qCWarning(lcApp, "Could not listen on %s: %s", qUtf8Printable(path), qUtf8Printable(m_server->errorString()));
-        return true;
-    }
-    connect(m_server, &QLocalServer::newConnection, this, [this] {
-        while (QLocalSocket *socket = m_server->nextPendingConnection()) {
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            auto pending = std::make_shared<Activation>();
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket, pending] {
-                while (socket->canReadLine()) {
-                    const QString line = QString::fromUtf8(socket->readLine()).trimmed();
-                    const qsizetype equals = line.indexOf(u'=');
-                    if (equals < 0) {
-                        if (const auto command = enumFromString<InstanceCommand>(line))
-                            Q_EMIT commandReceived(*command, std::exchange(*pending, {}));
-                        continue;
-                    }
-                    const QString key = line.left(equals);
-                    const QString value = QUrl::fromPercentEncoding(line.mid(equals + 1).toUtf8());
-                    if (key == tokenKey)
-                        pending->token = value;
-                    else if (key == startupIdKey)
-                        pending->startupId = value;
-                }
-            });
-        }
-    });
-    return true;
+    m_socket = new InstanceSocket(this);
+    connect(m_socket, &InstanceSocket::commandReceived, this, &SingleInstance::commandReceived);
+    return m_socket->listen(socketIn(folder.path)) ? Claim::Claimed : Claim::Elsewhere;
 }
 
 bool SingleInstance::send(InstanceCommand command, const Activation &activation)
@@ -283,7 +246,7 @@ bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &acti
         else
             call << enumToString(command) << QVariantList() << platformDataOf(activation);
         call.setAutoStartService(false);
-        const QDBusMessage reply = bus.call(call, QDBus::Block, socketTimeoutMs);
+        const QDBusMessage reply = bus.call(call, QDBus::Block, busTimeoutMs);
         if (reply.type() == QDBusMessage::ReplyMessage)
             return true;
         // An instance from before the activation was passed on: the plain
@@ -295,7 +258,7 @@ bool SingleInstance::sendOverBus(InstanceCommand command, const Activation &acti
     QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(serviceName), QLatin1String(objectPath),
                                                        QLatin1String(serviceName), enumToString(command));
     call.setAutoStartService(false);
-    const QDBusMessage reply = bus.call(call, QDBus::Block, socketTimeoutMs);
+    const QDBusMessage reply = bus.call(call, QDBus::Block, busTimeoutMs);
     return reply.type() == QDBusMessage::ReplyMessage;
 }
 
@@ -335,19 +298,12 @@ std::optional<QString> SingleInstance::ask(const InstanceQuery &query)
 
 bool SingleInstance::sendOverSocket(InstanceCommand command, const Activation &activation)
 {
-    QLocalSocket socket;
-    socket.connectToServer(socketPath());
-    if (!socket.waitForConnected(socketTimeoutMs))
+    const SocketFolder folder = socketFolder();
+    if (!folder.isUsable()) {
+        qCWarning(lcApp, "%s", qUtf8Printable(folder.problem));
         return false;
-    if (!activation.token.isEmpty())
-        socket.write(socketLine(tokenKey, activation.token));
-    if (!activation.startupId.isEmpty())
-        socket.write(socketLine(startupIdKey, activation.startupId));
-    socket.write(enumToString(command).toUtf8() + '\n');
-    socket.flush();
-    socket.waitForBytesWritten(socketTimeoutMs);
-    socket.disconnectFromServer();
-    return true;
+    }
+    return InstanceSocket::send(socketIn(folder.path), command, activation);
 }
 
 #include "singleinstance.moc"

@@ -8,7 +8,7 @@
 #include <optional>
 #include <variant>
 
-class QLocalServer;
+class InstanceSocket;
 
 // What another `quillon` asks of the running one.
 enum class InstanceCommand { Reopen, ToggleSearch, PopUpMenu, ShowSettings };
@@ -70,7 +70,8 @@ public:
 
 // One Quillon per session. The first owns the session-bus name
 // app.quillon.Quillon and takes commands on /app/quillon/Quillon; without a
-// session bus a local socket in the runtime folder stands in.
+// session bus a local socket in the runtime folder (or a private folder of
+// this user's) stands in.
 //
 // On the bus the commands are methods of app.quillon.Quillon without
 // arguments, which desktop key bindings can call as they are. With an
@@ -88,12 +89,16 @@ public:
     static constexpr const char *serviceName = "app.quillon.Quillon";
     static constexpr const char *objectPath = "/app/quillon/Quillon";
 
+    enum class Claim {
+        Claimed,   // this process is now the one instance
+        Elsewhere, // another instance answers: send it a command and leave
+        Refused,   // no place for the socket that only this user controls (logged)
+    };
+
     explicit SingleInstance(QObject *parent = nullptr);
     ~SingleInstance() override;
 
-    // True when this process is now the one instance. False when another
-    // instance answers (then send it a command and leave).
-    bool claim();
+    Claim claim();
     // Sends a command to the running instance; false when none answered.
     static bool send(InstanceCommand command, const Activation &activation = {});
 
@@ -107,18 +112,18 @@ public:
     // tool, as the menu does.
     static constexpr int queryTimeoutMs = 15000;
 
-    // The socket used without a session bus.
+    // The socket used without a session bus; its folder is made when missing.
     static QString socketPath();
 
 Q_SIGNALS:
     void commandReceived(InstanceCommand command, const Activation &activation);
 
 private:
-    bool claimSocket();
+    Claim claimSocket();
     static bool sendOverBus(InstanceCommand command, const Activation &activation);
     static bool sendOverSocket(InstanceCommand command, const Activation &activation);
 
     QueryHandler m_queryHandler;
-    QLocalServer *m_server = nullptr;
+    InstanceSocket *m_socket = nullptr;
     bool m_onBus = false;
 };

@@ -197,27 +197,42 @@ void StatusMenu::removeItems(qsizetype keep)
 void StatusMenu::addLayout()
 {
     const qsizetype start = m_menu->actions().size();
-    for (const auto &entry : m_services.sources.context().store.layout()) {
-        if (entry.style == SourceStyle::Hidden)
-            continue;
-        if (entry.style == SourceStyle::Submenu || m_services.sources.of(entry.source).isSingleItem()) {
-            QAction *item = m_builder.addSourceItem(m_menu.get(), entry.source);
-            if (item && !m_services.sources.isAvailable(entry.source)) {
-                const QString notAvailable = m_services.sources.context().strings.text(SystemString::NotAvailable);
-                item->setEnabled(false);
-                item->setIcon(menuSizeIcon(qApp->style()->standardIcon(QStyle::SP_MessageBoxWarning)));
-                item->setToolTip(notAvailable);
-                // The symbol says it to the eye; this says it to screen readers.
-                setAccessibleDescription(item, notAvailable);
-            }
-        } else {
-            m_builder.addItems(m_menu.get(), entry.source);
-        }
-    }
-    removeSuperfluousSeparators(start);
-    markUnavailableFiles(start);
+    addLayoutEntries(m_menu.get(), m_services.sources.context().store.layout());
     if (m_menu->actions().size() == start)
         m_menu->addAction(menuTitle(m_builder.emptyTitle()))->setEnabled(false);
+}
+
+void StatusMenu::addLayoutEntries(QMenu *menu, const QList<LayoutEntry> &entries)
+{
+    // What does not fit waits under "More" until that is opened.
+    const qsizetype start = menu->actions().size();
+    qsizetype next = 0;
+    for (; next < entries.size() && menu->actions().size() - start < MenuBuilder::maxItems; ++next)
+        addLayoutEntry(menu, entries.at(next));
+    removeSuperfluousSeparators(menu, start);
+    markUnavailableFiles(menu, start);
+    if (next == entries.size())
+        return;
+    m_builder.addMore(menu, [this, rest = entries.mid(next)](QMenu *m) { addLayoutEntries(m, rest); });
+}
+
+void StatusMenu::addLayoutEntry(QMenu *menu, const LayoutEntry &entry)
+{
+    if (entry.style == SourceStyle::Hidden)
+        return;
+    if (entry.style == SourceStyle::Submenu || m_services.sources.of(entry.source).isSingleItem()) {
+        QAction *item = m_builder.addSourceItem(menu, entry.source);
+        if (item && !m_services.sources.isAvailable(entry.source)) {
+            const QString notAvailable = m_services.sources.context().strings.text(SystemString::NotAvailable);
+            item->setEnabled(false);
+            item->setIcon(menuSizeIcon(qApp->style()->standardIcon(QStyle::SP_MessageBoxWarning)));
+            item->setToolTip(notAvailable);
+            // The symbol says it to the eye; this says it to screen readers.
+            setAccessibleDescription(item, notAvailable);
+        }
+    } else {
+        m_builder.addItems(menu, entry.source);
+    }
 }
 
 void StatusMenu::addSearchResults(const QString &query)
@@ -234,35 +249,43 @@ void StatusMenu::addSearchResults(const QString &query)
         for (const auto &result : group.results)
             m_builder.addOpenableItem(m_menu.get(), result.title, result.url, drawnIcon(result.icon));
     }
-    markUnavailableFiles(start);
+    markUnavailableFiles(m_menu.get(), start);
 }
 
-void StatusMenu::removeSuperfluousSeparators(qsizetype from)
+void StatusMenu::removeSuperfluousSeparators(QMenu *menu, qsizetype from)
 {
     // None at the start, none twice in a row, none at the end. A section
     // header is a separator with a title to Qt, but it is content: it stays,
-    // and a line after it is not a second line.
+    // and a line after it is not a second line. One pass: menus can be long.
     const auto isLine = [](const QAction *action) { return action->isSeparator() && action->text().isEmpty(); };
-    const auto remove = [this](QAction *action) {
-        m_menu->removeAction(action);
-        delete action;
-    };
-    qsizetype i = from;
-    while (i < m_menu->actions().size()) {
-        const auto actions = m_menu->actions();
-        if (isLine(actions.at(i)) && (i == from || isLine(actions.at(i - 1))))
-            remove(actions.at(i));
-        else
-            ++i;
+    const auto actions = menu->actions();
+    QList<QAction *> superfluous;
+    QAction *lastLine = nullptr;
+    bool afterLine = true;
+    for (qsizetype i = from; i < actions.size(); ++i) {
+        QAction *action = actions.at(i);
+        if (isLine(action) && afterLine) {
+            superfluous.append(action);
+        } else {
+            afterLine = isLine(action);
+            lastLine = afterLine ? action : nullptr;
+        }
     }
-    while (m_menu->actions().size() > from && isLine(m_menu->actions().last()))
-        remove(m_menu->actions().last());
+    if (lastLine)
+        superfluous.append(lastLine);
+    for (QAction *action : std::as_const(superfluous)) {
+        menu->removeAction(action);
+        delete action;
+    }
 }
 
-void StatusMenu::markUnavailableFiles(qsizetype from)
+void StatusMenu::markUnavailableFiles(QMenu *menu, qsizetype from)
 {
-    const auto actions = m_menu->actions();
-    for (qsizetype i = from; i < actions.size(); ++i) {
+    // One look at the disk per item, and no more of them than a menu shows
+    // at once: a long inline source must not keep the menu from opening.
+    const auto actions = menu->actions();
+    const qsizetype end = std::min(actions.size(), from + MenuBuilder::maxItems);
+    for (qsizetype i = from; i < end; ++i) {
         const QUrl url = actions.at(i)->data().toUrl();
         if (url.isLocalFile() && !QFileInfo::exists(normalizedURL(url).toLocalFile()))
             actions.at(i)->setEnabled(false);

@@ -63,10 +63,12 @@ private:
     void buildContent();
     void removeItems(qsizetype keep);
     void addLayout();
+    void addLayoutEntries(QMenu *menu, const QList<LayoutEntry> &entries);
+    void addLayoutEntry(QMenu *menu, const LayoutEntry &entry);
     void addSearchResults(const QString &query);
     void addCommands();
-    void removeSuperfluousSeparators(qsizetype from);
-    void markUnavailableFiles(qsizetype from);
+    void removeSuperfluousSeparators(QMenu *menu, qsizetype from);
+    void markUnavailableFiles(QMenu *menu, qsizetype from);
     void open(const QUrl &url);
     void openFirstItem();
     void showAbout();

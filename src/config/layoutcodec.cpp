@@ -1,5 +1,7 @@
 #include "config/layoutcodec.h"
 
+#include "config/urls.h"
+
 #include <QJsonDocument>
 
 namespace {
@@ -86,8 +88,7 @@ QJsonObject encode(const CustomMenu &menu)
     QJsonObject object{
         {QStringLiteral("id"), encodeUuid(menu.id)},
         {QStringLiteral("name"), menu.name},
-        {QStringLiteral("urls"),
-         encodeList(menu.urls, [](const QUrl &url) { return url.toString(QUrl::FullyEncoded); })},
+        {QStringLiteral("urls"), encodeList(menu.urls, urlString)},
     };
     if (menu.groupOrder)
         object.insert(QStringLiteral("groupOrder"), encodeList(*menu.groupOrder, encodeEnum<MenuItemKind>));
@@ -102,7 +103,7 @@ QJsonObject encode(const FolderSource &folder)
 {
     return {
         {QStringLiteral("id"), encodeUuid(folder.id)},
-        {QStringLiteral("url"), folder.url.toString(QUrl::FullyEncoded)},
+        {QStringLiteral("url"), urlString(folder.url)},
         {QStringLiteral("sort"), encodeEnum(folder.sort)},
     };
 }

@@ -1,6 +1,7 @@
 #include "config/menustate.h"
 
 #include "config/layoutcodec.h"
+#include "config/urls.h"
 
 #include <QJsonDocument>
 
@@ -35,8 +36,7 @@ QByteArray encodeMenuState(const MenuState &state)
     insertList(object, "folders", state.folders, [](const FolderSource &f) { return encode(f); });
     insertList(object, "shortcuts", state.shortcuts, [](const MenuSource &s) { return encode(s); });
     insertList(object, "separators", state.separators, encodeUuid);
-    insertList(object, "favoriteApps", state.favoriteApps,
-               [](const QUrl &url) { return url.toString(QUrl::FullyEncoded); });
+    insertList(object, "favoriteApps", state.favoriteApps, urlString);
     if (state.showsOnlyFavoriteApps)
         object.insert(QStringLiteral("showsOnlyFavoriteApps"), *state.showsOnlyFavoriteApps);
     if (state.recentsLimit)

@@ -57,6 +57,7 @@ void MenuStore::load()
     m_savedLayout = state.layout;
     m_showsOnlyFavoriteApps = state.showsOnlyFavoriteApps.value_or(false);
     m_recentsLimit = state.recentsLimit.value_or(defaultRecentsLimit);
+    reindex();
 
     const QVariant storedRecents = m_preferences.value(recentsKey);
     const QStringList strings = storedRecents.typeId() == QMetaType::QString ? QStringList{storedRecents.toString()}
@@ -81,11 +82,15 @@ void MenuStore::deriveLayout()
     for (const auto &id : std::as_const(m_separators))
         current.append(MenuSource::separator(id));
 
+    // Hashed, so a layout of many thousand entries derives in linear time.
+    const QSet<MenuSource> existing(current.cbegin(), current.cend());
     QList<LayoutEntry> layout;
+    layout.reserve(current.size());
     QSet<MenuSource> placed;
+    placed.reserve(current.size());
     if (m_savedLayout) {
         for (const auto &entry : std::as_const(*m_savedLayout)) {
-            if (current.contains(entry.source)) {
+            if (existing.contains(entry.source)) {
                 layout.append(entry);
                 placed.insert(entry.source);
             }
@@ -119,20 +124,33 @@ void MenuStore::save()
 
 std::optional<CustomMenu> MenuStore::menu(const QUuid &id) const
 {
-    for (const auto &menu : m_menus) {
-        if (menu.id == id)
-            return menu;
-    }
-    return std::nullopt;
+    const auto found = m_menuIndex.constFind(id);
+    if (found == m_menuIndex.constEnd())
+        return std::nullopt;
+    return m_menus.at(*found);
 }
 
 std::optional<FolderSource> MenuStore::folder(const QUuid &id) const
 {
-    for (const auto &folder : m_folders) {
-        if (folder.id == id)
-            return folder;
-    }
-    return std::nullopt;
+    const auto found = m_folderIndex.constFind(id);
+    if (found == m_folderIndex.constEnd())
+        return std::nullopt;
+    return m_folders.at(*found);
+}
+
+void MenuStore::reindex()
+{
+    // The menu asks for every custom menu and folder by id each time it
+    // opens; with thousands of them a list search each time would be
+    // quadratic. Filled from the back so the first of equal ids wins.
+    m_menuIndex.clear();
+    m_menuIndex.reserve(m_menus.size());
+    for (qsizetype i = m_menus.size() - 1; i >= 0; --i)
+        m_menuIndex.insert(m_menus.at(i).id, i);
+    m_folderIndex.clear();
+    m_folderIndex.reserve(m_folders.size());
+    for (qsizetype i = m_folders.size() - 1; i >= 0; --i)
+        m_folderIndex.insert(m_folders.at(i).id, i);
 }
 
 SourceStyle MenuStore::style(const MenuSource &source) const
@@ -180,6 +198,7 @@ QList<MenuItemKind> MenuStore::groupOrder(const CustomMenu &menu)
 void MenuStore::setMenus(QList<CustomMenu> menus)
 {
     m_menus = std::move(menus);
+    reindex();
     Q_EMIT menusChanged();
     deriveLayout();
     save();
@@ -289,6 +308,7 @@ void MenuStore::addFolder(const QUrl &folderUrl)
 {
     QUILLON_ASSERT_MAIN_THREAD();
     m_folders.append({QUuid::createUuid(), folderUrl, FolderSort::Name});
+    reindex();
     Q_EMIT foldersChanged();
     deriveLayout();
     save();
@@ -334,8 +354,10 @@ void MenuStore::remove(const MenuSource &source)
     if (source.kind() == MenuSource::Case::Separator && m_separators.removeAll(*id) > 0)
         Q_EMIT separatorsChanged();
     if (source.kind() == MenuSource::Case::Folder
-        && m_folders.removeIf([&](const FolderSource &folder) { return folder.id == *id; }) > 0)
+        && m_folders.removeIf([&](const FolderSource &folder) { return folder.id == *id; }) > 0) {
+        reindex();
         Q_EMIT foldersChanged();
+    }
     if (m_shortcutSources.removeAll(source) > 0)
         Q_EMIT shortcutSourcesChanged();
     deriveLayout();
@@ -422,7 +444,7 @@ void MenuStore::setRecents(const QList<QUrl> &recents)
     m_recents = recents;
     QStringList strings;
     for (const auto &url : recents)
-        strings.append(url.toString(QUrl::FullyEncoded));
+        strings.append(urlString(url));
     m_preferences.setValue(recentsKey, strings);
     if (changed)
         Q_EMIT recentsChanged();

@@ -85,6 +85,7 @@ Q_SIGNALS:
 private:
     void load();
     void deriveLayout();
+    void reindex();
     void save();
     void setMenus(QList<CustomMenu> menus);
     void setSavedLayout(QList<LayoutEntry> layout);
@@ -100,6 +101,8 @@ private:
     int m_recentsLimit = defaultRecentsLimit;
     QList<QUrl> m_recents;
     QList<LayoutEntry> m_layout;
+    QHash<QUuid, qsizetype> m_menuIndex;
+    QHash<QUuid, qsizetype> m_folderIndex;
 };
 
 // Moves the elements at the given offsets, in their order, to stand before the

@@ -23,5 +23,7 @@ public:
     QString fileName() const;
 
 private:
+    void sync();
+
     std::unique_ptr<QSettings> m_settings;
 };

@@ -45,6 +45,17 @@ QString localPath(const QUrl &url)
 
 } // namespace
 
+QString urlString(const QUrl &url)
+{
+    // Fully encoded, but a "#" inside the fragment stays as it is: encoded
+    // it would read back as "%23", which QUrl holds apart from "#", and the
+    // item would no longer equal itself after a reload.
+    if (!url.hasFragment())
+        return url.toString(QUrl::FullyEncoded);
+    return url.toString(QUrl::FullyEncoded | QUrl::RemoveFragment) + QLatin1Char('#')
+           + url.fragment(QUrl::EncodeSpaces | QUrl::EncodeUnicode | QUrl::EncodeReserved);
+}
+
 QUrl normalizedURL(const QUrl &url)
 {
     if (!url.isLocalFile())

@@ -16,6 +16,9 @@ bool isShortcutRunURL(const QUrl &url);
 // A System Settings place, opened by the desktop's settings program.
 bool isSettingsURL(const QUrl &url);
 
+// The text a URL is stored as, which reads back as an equal URL.
+QString urlString(const QUrl &url);
+
 // A file URL rebuilt from its path, a trailing slash meaning a directory;
 // any other URL as it is. Makes equal items compare equal.
 QUrl normalizedURL(const QUrl &url);

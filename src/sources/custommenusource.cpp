@@ -84,18 +84,19 @@ private:
 
     void appendItem(MenuEntries &entries, MenuItemKind kind, const QUrl &url) const
     {
-        const QString path = normalizedURL(url).toLocalFile();
-        if (url.isLocalFile() && !QFileInfo::exists(path)) {
+        // One look at the disk per item, made only when this menu opens.
+        const QFileInfo file(normalizedURL(url).toLocalFile());
+        if (url.isLocalFile() && !file.exists()) {
             entries.append(OpenableEntry{folderTitle(url), url, std::nullopt, false});
             return;
         }
         const auto described = m_sources.describe(url);
         if (!described)
             return;
-        if (kind == MenuItemKind::Files && QFileInfo(path).isDir()) {
-            entries.append(SubmenuEntry{described->title, described->icon, [&context = m_context, url] {
-                                            return folderEntries(context, url, FolderSort::Name);
-                                        }});
+        if (kind == MenuItemKind::Files && url.isLocalFile() && file.isDir()) {
+            entries.append(SubmenuEntry{
+                described->title, described->icon,
+                [&context = m_context, url] { return folderEntries(context, url, FolderSort::Name); }, true});
             return;
         }
         entries.append(OpenableEntry{described->title, url, described->icon});

@@ -57,7 +57,7 @@ private Q_SLOTS:
     void commandsReachTheRunningInstanceWithoutTheGuiToolkit()
     {
         SingleInstance instance;
-        QVERIFY(instance.claim());
+        QCOMPARE(instance.claim(), SingleInstance::Claim::Claimed);
         QSignalSpy received(&instance, &SingleInstance::commandReceived);
 
         const std::pair<QStringList, InstanceCommand> cases[] = {

@@ -44,7 +44,7 @@ private Q_SLOTS:
             QVERIFY(stale.open(QIODevice::WriteOnly));
         }
         SingleInstance first;
-        QVERIFY(first.claim());
+        QCOMPARE(first.claim(), SingleInstance::Claim::Claimed);
         QSignalSpy received(&first, &SingleInstance::commandReceived);
         for (const auto command : allCases<InstanceCommand>()) {
             if (!onBus) {
@@ -68,7 +68,7 @@ private Q_SLOTS:
 
         if (!onBus) {
             SingleInstance second;
-            QVERIFY(!second.claim());
+            QCOMPARE(second.claim(), SingleInstance::Claim::Elsewhere);
             QTest::qWait(50);
             QCOMPARE(received.count(), 4);
         }
@@ -80,7 +80,7 @@ private Q_SLOTS:
     {
         const bool onBus = QDBusConnection::sessionBus().isConnected();
         SingleInstance first;
-        QVERIFY(first.claim());
+        QCOMPARE(first.claim(), SingleInstance::Claim::Claimed);
         QSignalSpy received(&first, &SingleInstance::commandReceived);
         const Activation activation{QStringLiteral("wl token/1 ü"), QStringLiteral("launcher-1_TIME42")};
         for (const auto command : {InstanceCommand::ToggleSearch, InstanceCommand::Reopen}) {
