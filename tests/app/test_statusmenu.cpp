@@ -12,6 +12,7 @@
 #include "config/preferences.h"
 #include "fakelauncher.h"
 #include "faketray.h"
+#include "feedserver.h"
 #include "fixtures.h"
 #include "platform/dbusmenuexporter.h"
 #include "platform/opener.h"
@@ -281,13 +282,11 @@ private Q_SLOTS:
 
     void aPendingUpdateShowsInTheMenu()
     {
-        const QString feed = m_dir.filePath(QStringLiteral("appcast.xml"));
-        QFile file(feed);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("<rss xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><item>"
-                   "<enclosure url=\"https://quillon.app/q.tar.gz\" sparkle:version=\"2.0\"/></item></channel></rss>");
-        file.close();
-        Updates updates(*m_preferences, QUrl::fromLocalFile(feed), QStringLiteral("1.0"));
+        FeedServer server;
+        server.body =
+            "<rss xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><item>"
+            "<enclosure url=\"https://quillon.app/q.tar.gz\" sparkle:version=\"2.0\"/></item></channel></rss>";
+        Updates updates(*m_preferences, server.url(), QStringLiteral("1.0"));
         StatusMenu::Services services{sources(), *m_shortcuts, *m_preferences, updates, *m_opener};
         StatusMenu menu(services, [] {});
 
