@@ -5,7 +5,6 @@
 #include "catalog/systemstrings.h"
 #include "common/mainthread.h"
 #include "platform/itemicons.h"
-
 #include "sources/listingqueue.h"
 
 #include <QAction>
@@ -14,6 +13,7 @@
 #include <QEventLoop>
 #include <QMenu>
 #include <QPointer>
+#include <QScreen>
 #include <QTimer>
 
 #include <algorithm>
@@ -162,6 +162,23 @@ void MenuBuilder::placeLoadedEntries(QMenu *menu, QAction *placeholder, const st
     }
     menu->removeAction(placeholder);
     placeholder->deleteLater();
+    keepOnScreen(menu);
+}
+
+void MenuBuilder::keepOnScreen(QMenu *menu)
+{
+    // Qt grows a menu that is already shown where it stands; a long listing
+    // would then run off the screen's edge.
+    if (!menu->isVisible() || !menu->screen())
+        return;
+    const QRect screen = menu->screen()->availableGeometry();
+    QRect geometry(menu->pos(), menu->sizeHint());
+    if (geometry.right() > screen.right())
+        geometry.moveRight(screen.right());
+    if (geometry.bottom() > screen.bottom())
+        geometry.moveBottom(screen.bottom());
+    geometry.moveTopLeft({std::max(geometry.left(), screen.left()), std::max(geometry.top(), screen.top())});
+    menu->setGeometry(geometry);
 }
 
 bool MenuBuilder::isLoading(const QMenu *menu)

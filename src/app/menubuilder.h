@@ -52,6 +52,7 @@ private:
     // "Loading…" item in their place until they arrive.
     void addEntriesLater(QMenu *menu, std::function<MenuEntries()> work);
     void placeLoadedEntries(QMenu *menu, QAction *placeholder, const std::optional<MenuEntries> &entries);
+    static void keepOnScreen(QMenu *menu);
 
     const ContentSources &m_sources;
     Open m_open;
