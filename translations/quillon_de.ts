@@ -570,4 +570,52 @@
         <translation>%1 ist nicht beschreibbar, daher kann Quillon nicht bei der Anmeldung starten.</translation>
     </message>
 </context>
+<context>
+    <name>MenuBuilder</name>
+    <message>
+        <source>More</source>
+        <translation>Weitere</translation>
+    </message>
+    <message>
+        <source>Loading…</source>
+        <translation>Wird geladen …</translation>
+    </message>
+</context>
+<context>
+    <name>FolderEntries</name>
+    <message numerus="yes">
+        <source>%Ln more items</source>
+        <translation>
+            <numerusform>%Ln weiteres Objekt</numerusform>
+            <numerusform>%Ln weitere Objekte</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Open Folder</source>
+        <translation>Ordner öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>UpdateChecker</name>
+    <message>
+        <source>The update feed %1 is not an https address.</source>
+        <translation>Die Aktualisierungsquelle %1 ist keine https-Adresse.</translation>
+    </message>
+    <message>
+        <source>The update feed is larger than %1 MB.</source>
+        <translation>Die Aktualisierungsquelle ist größer als %1 MB.</translation>
+    </message>
+    <message>
+        <source>The update feed was ignored: its signature could not be read (%1).</source>
+        <translation>Die Aktualisierungsquelle wurde übergangen: Ihre Signatur konnte nicht gelesen werden (%1).</translation>
+    </message>
+    <message>
+        <source>The update feed was ignored: its signature does not match.</source>
+        <translation>Die Aktualisierungsquelle wurde übergangen: Ihre Signatur passt nicht.</translation>
+    </message>
+    <message>
+        <source>too large</source>
+        <translation>zu groß</translation>
+    </message>
+</context>
 </TS>
