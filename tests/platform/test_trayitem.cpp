@@ -350,6 +350,15 @@ private Q_SLOTS:
         QByteArray bytes;
         pixmaps >> width >> height >> bytes;
         pixmaps.endStructure();
+        // The rest read too: an array left open leaks its demarshaller.
+        while (!pixmaps.atEnd()) {
+            QSize larger;
+            QByteArray more;
+            pixmaps.beginStructure();
+            pixmaps >> larger.rwidth() >> larger.rheight() >> more;
+            pixmaps.endStructure();
+        }
+        pixmaps.endArray();
         QCOMPARE(QSize(width, height), QSize(16, 16));
         QCOMPARE(bytes.left(4), QByteArray::fromHex("ff00ff00"));
         QCOMPARE(labels(host.layout()), QStringList{QStringLiteral("Quit")});

@@ -343,7 +343,8 @@ private Q_SLOTS:
         QCOMPARE(m_scans, 0);
 
         // Everything hidden: nothing, not even a line.
-        for (const auto &entry : m_store->layout())
+        const QList<LayoutEntry> layout = m_store->layout();
+        for (const auto &entry : layout)
             m_store->setStyle(SourceStyle::Hidden, entry.source);
         m_store->setStyle(SourceStyle::Inline, MenuSource::separator(m_store->separators().first()));
         QVERIFY(menuTopLevel(sources()).isEmpty());
