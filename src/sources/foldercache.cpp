@@ -4,6 +4,7 @@
 #include "common/log.h"
 #include "sources/dirreader.h"
 
+#include <QBuffer>
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QDir>
@@ -40,8 +41,46 @@ static QDataStream &operator>>(QDataStream &in, EntryFacts &facts)
 
 namespace {
 
+// Qt's own list reading reserves whatever count the file claims, so one
+// damaged count asks for gigabytes. This one reads a count no larger than
+// the bytes left could hold, each item taking at least smallestItem bytes.
+template <typename List>
+bool readList(QDataStream &in, List &list, qint64 smallestItem)
+{
+    list.clear();
+    quint32 count = 0;
+    in >> count;
+    const QIODevice *device = in.device();
+    if (in.status() != QDataStream::Ok || count > (device->size() - device->pos()) / smallestItem) {
+        in.setStatus(QDataStream::ReadCorruptData);
+        return false;
+    }
+    for (quint32 i = 0; i < count; ++i) {
+        typename List::value_type item;
+        in >> item;
+        if (in.status() != QDataStream::Ok)
+            return false;
+        list.append(std::move(item));
+    }
+    return true;
+}
+
+// Every string, byte array and their lists start with a 4-byte length.
+constexpr qint64 lengthSize = 4;
+constexpr qint64 stampSize = 5 * 8;
+
 constexpr quint32 magic = 0x51415050; // "QAPP"
-constexpr quint32 format = 2;
+constexpr quint32 format = 3;
+// Damage that still parses (a name's bytes, a flag) is caught by a sum over
+// the whole file rather than by reading it.
+constexpr qint64 checksumSize = 20;
+// Thousands of entries take a few hundred kilobytes.
+constexpr qint64 largestCache = 64 * 1024 * 1024;
+
+QByteArray checksum(const QByteArray &body)
+{
+    return QCryptographicHash::hash(body, QCryptographicHash::Sha1);
+}
 // Fewer bytes than any record takes: a damaged count cannot make the reader
 // reserve more than a few times the file's size.
 constexpr qint64 minimumRecordSize = 64;
@@ -76,22 +115,31 @@ void FolderCache::write(const QString &folder, const DesktopEntryRules &rules) c
     QSaveFile file(pathFor(folder, rules));
     if (!file.open(QIODevice::WriteOnly))
         return;
-    QDataStream out(&file);
+    QByteArray body;
+    QDataStream out(&body, QIODevice::WriteOnly);
     out.setVersion(QDataStream::Qt_6_4);
     out << magic << format << folder << rules.languages << rules.desktops << directories << directoryStamps
         << qint64(files.size());
     for (const File &entry : files)
         out << entry.id << entry.directory << entry.name << entry.stamp << entry.facts;
     out << path << pathStamps << programs;
-    if (out.status() != QDataStream::Ok || !file.commit())
+    if (out.status() != QDataStream::Ok || file.write(body + checksum(body)) != body.size() + checksumSize
+        || !file.commit())
         qCDebug(lcSources) << "Could not write the application cache for" << folder;
 }
 
 std::optional<FolderCache> FolderCache::read(const QString &folder, const DesktopEntryRules &rules)
 {
-    QFile file(pathFor(folder, rules));
-    if (!file.open(QIODevice::ReadOnly))
+    QFile stored(pathFor(folder, rules));
+    if (!stored.open(QIODevice::ReadOnly) || stored.size() > largestCache || stored.size() < checksumSize)
         return std::nullopt;
+    QByteArray body = stored.readAll();
+    const QByteArray sum = body.sliced(body.size() - checksumSize);
+    body.chop(checksumSize);
+    if (sum != checksum(body))
+        return std::nullopt;
+    QBuffer file(&body);
+    file.open(QIODevice::ReadOnly);
     QDataStream in(&file);
     in.setVersion(QDataStream::Qt_6_4);
     quint32 fileMagic = 0;
@@ -104,7 +152,10 @@ std::optional<FolderCache> FolderCache::read(const QString &folder, const Deskto
         return std::nullopt;
     FolderCache cache;
     qint64 count = 0;
-    in >> fileFolder >> languages >> desktops >> cache.directories >> cache.directoryStamps >> count;
+    in >> fileFolder;
+    readList(in, languages, lengthSize) && readList(in, desktops, lengthSize)
+        && readList(in, cache.directories, lengthSize) && readList(in, cache.directoryStamps, stampSize);
+    in >> count;
     if (in.status() != QDataStream::Ok || fileFolder != folder || languages != rules.languages
         || desktops != rules.desktops || cache.directories.size() != cache.directoryStamps.size() || count < 0
         || count > file.size() / minimumRecordSize) {
@@ -122,7 +173,18 @@ std::optional<FolderCache> FolderCache::read(const QString &folder, const Deskto
             return std::nullopt;
         cache.files.append(std::move(entry));
     }
-    in >> cache.path >> cache.pathStamps >> cache.programs;
+    in >> cache.path;
+    readList(in, cache.pathStamps, stampSize);
+    quint32 programCount = 0;
+    in >> programCount;
+    if (in.status() != QDataStream::Ok || programCount > (file.size() - file.pos()) / (lengthSize + 1))
+        return std::nullopt;
+    for (quint32 i = 0; i < programCount && in.status() == QDataStream::Ok; ++i) {
+        QByteArray program;
+        bool found = false;
+        in >> program >> found;
+        cache.programs.insert(program, found);
+    }
     if (in.status() != QDataStream::Ok)
         return std::nullopt;
     return cache;

@@ -141,14 +141,22 @@ private Q_SLOTS:
         QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Beta", "Gamma"}));
         QVERIFY(QFile::remove(program));
         QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Gamma"}));
-        // A damaged cache is read past.
-        for (const QString &name : QDir(cache).entryList(QDir::Files)) {
-            QFile damaged(cache + '/' + name);
-            QVERIFY(damaged.open(QIODevice::ReadWrite));
-            damaged.seek(damaged.size() / 2);
-            damaged.write(QByteArray(64, '\xff'));
+        // A damaged cache is read past, wherever the damage falls: a length
+        // or count of 0xffffffff must not be believed.
+        const QStringList caches = QDir(cache).entryList(QDir::Files);
+        QCOMPARE(caches.size(), 1);
+        QFile cacheFile(cache + '/' + caches.first());
+        QVERIFY(cacheFile.open(QIODevice::ReadOnly));
+        const QByteArray intact = cacheFile.readAll();
+        cacheFile.close();
+        for (qsizetype at = 0; at < intact.size(); at += 4) {
+            QByteArray damaged = intact;
+            damaged.replace(at, 4, QByteArray(4, '\xff'));
+            QVERIFY(cacheFile.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            cacheFile.write(damaged.left(intact.size()));
+            cacheFile.close();
+            QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Gamma"}));
         }
-        QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Gamma"}));
         // A new entry changes the folder's time.
         QVERIFY(writeEntry(m_system + "/delta.desktop", "Delta"));
         QCOMPARE(namesIn(readFolderApps(m_system, rules)), QStringList({"Delta", "Gamma"}));
