@@ -44,7 +44,7 @@ namespace {
 // Qt's own list reading reserves whatever count the file claims, so one
 // damaged count asks for gigabytes. This one reads a count no larger than
 // the bytes left could hold, each item taking at least smallestItem bytes.
-template <typename List>
+template<typename List>
 bool readList(QDataStream &in, List &list, qint64 smallestItem)
 {
     list.clear();
