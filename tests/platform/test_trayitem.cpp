@@ -23,7 +23,6 @@ public:
     QList<QPair<uint, int>> layoutUpdates;
     QList<DBusMenuItemList> propertyUpdates;
     QList<DBusMenuItemKeysList> propertyRemovals;
-    QStringList registeredItems;
 
     QDBusMessage call(const QString &path, const QString &interface, const QString &method,
                       const QVariantList &arguments = {})
