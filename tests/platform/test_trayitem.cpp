@@ -23,7 +23,6 @@ public:
     QList<QPair<uint, int>> layoutUpdates;
     QList<DBusMenuItemList> propertyUpdates;
     QList<DBusMenuItemKeysList> propertyRemovals;
-    QStringList registeredItems;
 
     QDBusMessage call(const QString &path, const QString &interface, const QString &method,
                       const QVariantList &arguments = {})
@@ -39,6 +38,13 @@ public:
     {
         return call(QStringLiteral("/MenuBar"), QStringLiteral("com.canonical.dbusmenu"), method, arguments);
     }
+
+    QDBusMessage event(int id, const QString &name)
+    {
+        return menu(QStringLiteral("Event"), {id, name, QVariant::fromValue(QDBusVariant(0)), 0u});
+    }
+
+    bool aboutToShow(int id) { return QDBusReply<bool>(menu(QStringLiteral("AboutToShow"), {id})).value(); }
 
     DBusMenuLayoutItem layout(int parent = 0, int depth = -1)
     {
@@ -231,8 +237,7 @@ private Q_SLOTS:
         host.listen();
         QVERIFY(labels(host.layout()).isEmpty());
 
-        const QDBusReply<bool> rebuilt = host.menu(QStringLiteral("AboutToShow"), {0});
-        QVERIFY(rebuilt.value());
+        QVERIFY(host.aboutToShow(0));
         QCOMPARE(rebuilds, 1);
         QTRY_VERIFY(!host.layoutUpdates.isEmpty());
         QCOMPARE(host.layoutUpdates.last().second, 0);
@@ -256,7 +261,7 @@ private Q_SLOTS:
         QCOMPARE(host.layoutUpdates.first().second, folderId);
         QVERIFY(host.layoutUpdates.first().first > revision);
         // Shown again: nothing new to fetch.
-        QVERIFY(!QDBusReply<bool>(host.menu(QStringLiteral("AboutToShow"), {folderId})).value());
+        QVERIFY(!host.aboutToShow(folderId));
         QCOMPARE(fills, 1);
 
         root = host.layout();
@@ -264,19 +269,13 @@ private Q_SLOTS:
         QCOMPARE(labels(*filled), QStringList({QStringLiteral("a.txt"), QStringLiteral("b.txt")}));
 
         // A click opens its item once; a disabled item and a submenu open nothing.
-        host.menu(QStringLiteral("Event"),
-                  {filled->children.at(1).id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0u});
-        host.menu(QStringLiteral("Event"), {child(root, QStringLiteral("Unavailable"))->id, QStringLiteral("clicked"),
-                                            QVariant::fromValue(QDBusVariant(0)), 0u});
-        host.menu(QStringLiteral("Event"),
-                  {folderId, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0u});
+        host.event(filled->children.at(1).id, QStringLiteral("clicked"));
+        host.event(child(root, QStringLiteral("Unavailable"))->id, QStringLiteral("clicked"));
+        host.event(folderId, QStringLiteral("clicked"));
         QTRY_COMPARE(opened, QStringList{QStringLiteral("b.txt")});
         QTest::qWait(20);
         QCOMPARE(opened, QStringList{QStringLiteral("b.txt")});
-        QCOMPARE(host.menu(QStringLiteral("Event"),
-                           {777, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0u})
-                     .type(),
-                 QDBusMessage::ErrorMessage);
+        QCOMPARE(host.event(777, QStringLiteral("clicked")).type(), QDBusMessage::ErrorMessage);
 
         // A property change is announced with the item's new properties.
         QAction *unavailable = menu.actions().at(1);
@@ -290,10 +289,10 @@ private Q_SLOTS:
         QVERIFY(host.propertyRemovals.last().first().properties.contains(QStringLiteral("icon-data")));
 
         // The panel closing the menu is the menu hiding.
-        host.menu(QStringLiteral("Event"), {0, QStringLiteral("closed"), QVariant::fromValue(QDBusVariant(0)), 0u});
+        host.event(0, QStringLiteral("closed"));
         QCOMPARE(hidden.count(), 1);
         // Opening again rebuilds: new items, new ids, the old ones unknown.
-        QVERIFY(QDBusReply<bool>(host.menu(QStringLiteral("AboutToShow"), {0})).value());
+        QVERIFY(host.aboutToShow(0));
         QCOMPARE(rebuilds, 2);
         QVERIFY(child(host.layout(), QStringLiteral("Documents"))->id != folderId);
         QDBusConnection::sessionBus().unregisterObject(QStringLiteral("/MenuBar"));
@@ -342,25 +341,22 @@ private Q_SLOTS:
         QCOMPARE(property("Status").toString(), QStringLiteral("Active"));
         QCOMPARE(property("IconName").toString(), QStringLiteral("quillon-symbolic"));
         QCOMPARE(property("IconThemePath").toString(), QStringLiteral("/opt/q/share/icons"));
-        // The icon as ARGB32 images in network byte order, smallest first.
+        // The icon as ARGB32 images in network byte order, smallest first. All
+        // are read: an array left open leaks its demarshaller.
+        QList<std::pair<QSize, QByteArray>> images;
         const QDBusArgument pixmaps = property("IconPixmap").value<QDBusArgument>();
         pixmaps.beginArray();
-        pixmaps.beginStructure();
-        int width = 0, height = 0;
-        QByteArray bytes;
-        pixmaps >> width >> height >> bytes;
-        pixmaps.endStructure();
-        // The rest read too: an array left open leaks its demarshaller.
         while (!pixmaps.atEnd()) {
-            QSize larger;
-            QByteArray more;
+            std::pair<QSize, QByteArray> image;
             pixmaps.beginStructure();
-            pixmaps >> larger.rwidth() >> larger.rheight() >> more;
+            pixmaps >> image.first.rwidth() >> image.first.rheight() >> image.second;
             pixmaps.endStructure();
+            images.append(image);
         }
         pixmaps.endArray();
-        QCOMPARE(QSize(width, height), QSize(16, 16));
-        QCOMPARE(bytes.left(4), QByteArray::fromHex("ff00ff00"));
+        QVERIFY(!images.isEmpty());
+        QCOMPARE(images.first().first, QSize(16, 16));
+        QCOMPARE(images.first().second.left(4), QByteArray::fromHex("ff00ff00"));
         QCOMPARE(labels(host.layout()), QStringList{QStringLiteral("Quit")});
 
         QSignalSpy activated(&tray, &Tray::activated);
@@ -378,13 +374,17 @@ private Q_SLOTS:
         QCOMPARE(tray.iconGeometry()->topLeft(), QPoint(1250, 14));
 
         // The session's choice: a watcher on Wayland means the exported menu,
-        // no watcher means no tray at all.
+        // no watcher means no tray at all. QUILLON_TRAY overrides it, unless
+        // it names no tray.
         qputenv("WAYLAND_DISPLAY", "wayland-test");
         QCOMPARE(Tray::forSession()->kind(), TrayKind::Exported);
         host.bus.unregisterService(QLatin1String(SniTray::watcherService));
         QCOMPARE(Tray::forSession()->kind(), TrayKind::Absent);
         qputenv("QUILLON_TRAY", "sni-popup");
         QCOMPARE(Tray::forSession()->kind(), TrayKind::PopUp);
+        qputenv("QUILLON_TRAY", "no-such-tray");
+        QTest::ignoreMessage(QtWarningMsg, "QUILLON_TRAY names no tray: \"no-such-tray\"");
+        QCOMPARE(Tray::forSession()->kind(), TrayKind::Absent);
         qunsetenv("QUILLON_TRAY");
         qunsetenv("WAYLAND_DISPLAY");
     }

@@ -31,34 +31,19 @@ QUrl appURL(const QString &name)
     return QUrl::fromLocalFile(QStringLiteral("/apps/%1.desktop").arg(name));
 }
 
-// A menu level as a person reads it: "Title ›" for a submenu, "Title!" for a
+// A menu entry as a person reads it: "Title ›" for a submenu, "Title!" for a
 // command, "---" for a line, "[Title]" for a heading.
-QStringList described(const MenuEntries &entries)
+QString described(const MenuEntry &entry)
 {
-    QStringList lines;
-    for (const MenuEntry &entry : entries) {
-        lines.append(std::visit(
-            [](const auto &item) -> QString {
-                using T = std::decay_t<decltype(item)>;
-                if constexpr (std::is_same_v<T, OpenableEntry>)
-                    return item.enabled ? item.title : item.title + QStringLiteral(" (disabled)");
-                else if constexpr (std::is_same_v<T, SubmenuEntry>)
-                    return item.title + QStringLiteral(" \u203a");
-                else if constexpr (std::is_same_v<T, SectionEntry>)
-                    return QLatin1Char('[') + item.title + QLatin1Char(']');
-                else if constexpr (std::is_same_v<T, SeparatorEntry>)
-                    return QStringLiteral("---");
-                else
-                    return item.title + QLatin1Char('!');
-            },
-            static_cast<const MenuEntry::variant &>(entry)));
-    }
-    return lines;
-}
-
-QString entryTitle(const MenuEntry &entry)
-{
-    return described({entry}).first();
+    if (const auto *item = std::get_if<OpenableEntry>(&entry))
+        return item->enabled ? item->title : item->title + QStringLiteral(" (disabled)");
+    if (const auto *submenu = std::get_if<SubmenuEntry>(&entry))
+        return submenu->title + QStringLiteral(" \u203a");
+    if (const auto *section = std::get_if<SectionEntry>(&entry))
+        return QLatin1Char('[') + section->title + QLatin1Char(']');
+    if (const auto *command = std::get_if<CommandEntry>(&entry))
+        return command->title + QLatin1Char('!');
+    return QStringLiteral("---");
 }
 
 } // namespace
@@ -90,7 +75,7 @@ private:
     QLineEdit *field() const { return m_controller->view()->field(); }
     QUrl selection() const { return m_controller->model()->selection().value_or(QUrl()); }
     const MenuBrowser &browser() const { return *m_controller->model()->browser(); }
-    QString selectedEntry() const { return entryTitle(browser().entries().at(browser().selected().value())); }
+    QString selectedEntry() const { return described(browser().entries().at(browser().selected().value())); }
 
     // Applications as a submenu, settings inline, shortcuts hidden, a line,
     // the recents as a submenu and a folder that is gone.
@@ -103,12 +88,20 @@ private:
         m_store->addFolder(QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("vanished/"))));
     }
 
-    QString recentsTitle() { return sources().title(MenuSource::recents()); }
-
+    // The level shown: its path, then its entries.
     QStringList menuShown() const
     {
         QStringList lines{browser().path().join(QLatin1Char('/'))};
-        return lines + described(browser().entries());
+        for (const MenuEntry &entry : browser().entries())
+            lines.append(described(entry));
+        return lines;
+    }
+
+    void clickRow(int row) const
+    {
+        QListView *list = m_controller->view()->results();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualRect(list->model()->index(row, 0)).center());
     }
 
 private Q_SLOTS:
@@ -153,15 +146,21 @@ private Q_SLOTS:
             SearchPanelController::Services{sources(), *m_shortcuts, *m_opener});
     }
 
-    void selectionFollowsItsURLAcrossSearches()
+    void selectionFollowsItsURLAndStopsAtTheEnds()
     {
         SearchPanelModel model(sources());
-        QCOMPARE(model.limit(), 12);
         model.setQuery(QStringLiteral("n"));
         QCOMPARE(model.groups().size(), 2);
         QCOMPARE(model.selection(), appURL(QStringLiteral("Notes")));
-        model.moveSelection(+1);
-        model.moveSelection(+1);
+        // Notes, Numbers, Nuke | Notifications, Network: moves stop at both
+        // ends and cross from one group to the next.
+        model.moveSelection(-1);
+        QCOMPARE(model.selection(), appURL(QStringLiteral("Notes")));
+        for (int i = 0; i < 9; ++i)
+            model.moveSelection(+1);
+        QCOMPARE(model.selection(), QUrl(QStringLiteral("settings://gnome/network")));
+        model.moveSelection(-1);
+        model.moveSelection(-1);
         QCOMPARE(model.selection(), appURL(QStringLiteral("Nuke")));
 
         // Still found, though no longer first: kept.
@@ -181,29 +180,10 @@ private Q_SLOTS:
         }
     }
 
-    void movingStopsAtBothEndsAndCrossesGroups()
-    {
-        SearchPanelModel model(sources());
-        model.setQuery(QStringLiteral("n"));
-        // Notes, Numbers, Nuke | Notifications, Network
-        model.moveSelection(-1);
-        QCOMPARE(model.selection(), appURL(QStringLiteral("Notes")));
-        for (int i = 0; i < 3; ++i)
-            model.moveSelection(+1);
-        QCOMPARE(model.selection(), QUrl(QStringLiteral("settings://gnome/notifications")));
-        for (int i = 0; i < 5; ++i)
-            model.moveSelection(+1);
-        QCOMPARE(model.selection(), QUrl(QStringLiteral("settings://gnome/network")));
-        for (int i = 0; i < 9; ++i)
-            model.moveSelection(-1);
-        QCOMPARE(model.selection(), appURL(QStringLiteral("Notes")));
-    }
-
-    void onlyTheFiveKeysAreTaken()
+    void keysAndClicksOnResults()
     {
         m_controller->show();
         QTest::keyClicks(field(), QStringLiteral("nu"));
-        QCOMPARE(field()->text(), QStringLiteral("nu"));
         QCOMPARE(m_controller->model()->query(), QStringLiteral("nu"));
         QTest::keyClick(field(), Qt::Key_Down);
         QCOMPARE(selection(), appURL(QStringLiteral("Nuke")));
@@ -215,43 +195,29 @@ private Q_SLOTS:
         QTest::keyClicks(field(), QStringLiteral("zz"));
         QTest::keyClick(field(), Qt::Key_Return);
         QVERIFY(m_controller->isShown());
-        QVERIFY(m_launcher.calls.isEmpty());
-
         QTest::keyClick(field(), Qt::Key_Escape);
         QVERIFY(!m_controller->isShown());
-    }
+        QVERIFY(m_launcher.calls.isEmpty());
 
-    void openingClosesThenRecordsThenOpens_data()
-    {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
-        QTest::newRow("Return") << int(Qt::Key_Return) << int(Qt::NoModifier);
-        QTest::newRow("keypad Enter") << int(Qt::Key_Enter) << int(Qt::KeypadModifier);
-    }
-
-    void openingClosesThenRecordsThenOpens()
-    {
-        QFETCH(int, key);
-        QFETCH(int, modifiers);
+        // Return, keypad Enter and a click open a result: the panel closes
+        // first, then the item is recorded, then opened.
         m_controller->show();
         QTest::keyClicks(field(), QStringLiteral("nuk"));
-        QTest::keyClick(field(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-        QCOMPARE(m_launcher.calls,
-                 QStringList{QStringLiteral("launch /apps/Nuke.desktop shown=0 recent=Nuke.desktop")});
-        QVERIFY(!m_controller->isShown());
-    }
-
-    void clickingARowOpensIt()
-    {
+        QTest::keyClick(field(), Qt::Key_Return);
+        m_controller->show();
+        QTest::keyClicks(field(), QStringLiteral("num"));
+        QTest::keyClick(field(), Qt::Key_Enter, Qt::KeypadModifier);
         m_controller->show();
         QTest::keyClicks(field(), QStringLiteral("n"));
-        QListView *list = m_controller->view()->results();
         // Row 0 is the group's heading: a click there opens nothing.
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
+        clickRow(0);
         QVERIFY(m_controller->isShown());
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(2, 0)).center());
+        clickRow(1);
         QCOMPARE(m_launcher.calls,
-                 QStringList{QStringLiteral("launch /apps/Numbers.desktop shown=0 recent=Numbers.desktop")});
+                 (QStringList{QStringLiteral("launch /apps/Nuke.desktop shown=0 recent=Nuke.desktop"),
+                              QStringLiteral("launch /apps/Numbers.desktop shown=0 recent=Numbers.desktop"),
+                              QStringLiteral("launch /apps/Notes.desktop shown=0 recent=Notes.desktop")}));
+        QVERIFY(!m_controller->isShown());
     }
 
     void theBodyHangsFromAFixedTopEdge()
@@ -269,7 +235,6 @@ private Q_SLOTS:
         QCOMPARE(m_controller->model()->results().size(), 12);
         QCOMPARE(panel->bodyGeometry().top(), empty.top());
         QCOMPARE(panel->bodyGeometry().height(), 72 + 1 + geometry.maxResultsHeight);
-        QVERIFY(panel->geometry().bottom() <= screen.bottom());
 
         QTest::keyClicks(field(), QStringLiteral(" 13"));
         const QRect one = panel->bodyGeometry();
@@ -330,38 +295,23 @@ private Q_SLOTS:
         QCOMPARE(panel.windowHandle()->mask(), QRegion(0, 0, window.width(), 273 + 2 * panel.margin()));
     }
 
-    void theMenuTopLevelFollowsTheLayout()
-    {
-        layOutMenu();
-        const QString apps = sources().title(MenuSource::applications());
-        const QString recents = sources().title(MenuSource::recents());
-        QCOMPARE(described(menuTopLevel(sources())),
-                 (QStringList{apps + QStringLiteral(" \u203a"), QStringLiteral("---"), QStringLiteral("Notifications"),
-                              QStringLiteral("Network"), QStringLiteral("---"), recents + QStringLiteral(" \u203a"),
-                              QStringLiteral("vanished (disabled)")}));
-        // Nothing was read for the submenus yet.
-        QCOMPARE(m_scans, 0);
-
-        // Everything hidden: nothing, not even a line.
-        const QList<LayoutEntry> layout = m_store->layout();
-        for (const auto &entry : layout)
-            m_store->setStyle(SourceStyle::Hidden, entry.source);
-        m_store->setStyle(SourceStyle::Inline, MenuSource::separator(m_store->separators().first()));
-        QVERIFY(menuTopLevel(sources()).isEmpty());
-    }
-
     void browsingTheMenuWithTheKeyboard()
     {
         layOutMenu();
         int quits = 0;
         m_controller->showMenu({CommandEntry{QStringLiteral("Settings…"), [] {}},
                                 CommandEntry{QStringLiteral("Quit Quillon"), [&quits] { ++quits; }}});
-        const QString apps = sources().title(MenuSource::applications());
+        const QString apps = sources().title(MenuSource::applications()) + QStringLiteral(" \u203a");
+        const QString recents = sources().title(MenuSource::recents()) + QStringLiteral(" \u203a");
         QVERIFY(m_controller->model()->isBrowsing());
-        QCOMPARE(menuShown().mid(0, 2), (QStringList{QStringLiteral("Quillon"), apps + QStringLiteral(" \u203a")}));
-        QCOMPARE(menuShown().mid(8),
-                 (QStringList{QStringLiteral("---"), QStringLiteral("Settings…!"), QStringLiteral("Quit Quillon!")}));
-        QCOMPARE(selectedEntry(), apps + QStringLiteral(" \u203a"));
+        QCOMPARE(menuShown(),
+                 (QStringList{QStringLiteral("Quillon"), apps, QStringLiteral("---"), QStringLiteral("Notifications"),
+                              QStringLiteral("Network"), QStringLiteral("---"), recents,
+                              QStringLiteral("vanished (disabled)"), QStringLiteral("---"),
+                              QStringLiteral("Settings…!"), QStringLiteral("Quit Quillon!")}));
+        // Nothing was read for the submenus yet.
+        QCOMPARE(m_scans, 0);
+        QCOMPARE(selectedEntry(), apps);
         // The list shows where this is, then the entries.
         QListView *list = m_controller->view()->results();
         QCOMPARE(list->model()->index(0, 0).data().toString(), QStringLiteral("Quillon"));
@@ -370,15 +320,17 @@ private Q_SLOTS:
         // Into the applications, filled now and only once.
         QTest::keyClick(field(), Qt::Key_Right);
         QCOMPARE(m_scans, 1);
-        QCOMPARE(browser().path(), (QStringList{QStringLiteral("Quillon"), apps}));
-        QCOMPARE(list->model()->index(0, 0).data().toString(), QStringLiteral("Quillon  \u203a  ") + apps);
+        QCOMPARE(browser().path(),
+                 (QStringList{QStringLiteral("Quillon"), sources().title(MenuSource::applications())}));
+        QCOMPARE(list->model()->index(0, 0).data().toString(),
+                 QStringLiteral("Quillon  \u203a  ") + sources().title(MenuSource::applications()));
         const QString firstApp = selectedEntry();
         QTest::keyClick(field(), Qt::Key_Down);
         const QString secondApp = selectedEntry();
         QVERIFY(secondApp != firstApp);
         QTest::keyClick(field(), Qt::Key_Left);
         QCOMPARE(browser().depth(), 0);
-        QCOMPARE(selectedEntry(), apps + QStringLiteral(" \u203a"));
+        QCOMPARE(selectedEntry(), apps);
         QTest::keyClick(field(), Qt::Key_Return);
         QCOMPARE(m_scans, 1);
         QCOMPARE(selectedEntry(), secondApp); // where it was left
@@ -393,7 +345,7 @@ private Q_SLOTS:
         QCOMPARE(selectedEntry(), QStringLiteral("Quit Quillon!"));
         QTest::keyClick(field(), Qt::Key_Up);
         QTest::keyClick(field(), Qt::Key_Up);
-        QCOMPARE(selectedEntry(), recentsTitle() + QStringLiteral(" \u203a"));
+        QCOMPARE(selectedEntry(), recents);
 
         // Typing searches; emptying the field comes back to the menu.
         QTest::keyClicks(field(), QStringLiteral("nu"));
@@ -402,7 +354,7 @@ private Q_SLOTS:
         QTest::keyClick(field(), Qt::Key_Backspace);
         QTest::keyClick(field(), Qt::Key_Backspace);
         QVERIFY(m_controller->model()->isBrowsing());
-        QCOMPARE(selectedEntry(), recentsTitle() + QStringLiteral(" \u203a"));
+        QCOMPARE(selectedEntry(), recents);
 
         // A command closes the panel and runs.
         QTest::keyClick(field(), Qt::Key_Down);
@@ -411,44 +363,37 @@ private Q_SLOTS:
         QVERIFY(!m_controller->isShown());
         QCOMPARE(quits, 1);
         QVERIFY(m_launcher.calls.isEmpty());
-    }
 
-    void anItemOfTheMenuOpensAsASearchResultDoes()
-    {
-        layOutMenu();
-        m_controller->showMenu({});
-        QTest::keyClick(field(), Qt::Key_Return);
-        QTest::keyClick(field(), Qt::Key_Down);
-        const QUrl url = std::get<OpenableEntry>(browser().entries().at(*browser().selected())).url;
-        QTest::keyClick(field(), Qt::Key_Return);
-        QCOMPARE(m_launcher.calls,
-                 QStringList{QStringLiteral("launch %1 shown=0 recent=%2").arg(url.toLocalFile(), url.fileName())});
+        // Everything hidden: the commands alone, without a line before them.
+        const QList<LayoutEntry> layout = m_store->layout();
+        for (const auto &entry : layout)
+            m_store->setStyle(SourceStyle::Hidden, entry.source);
+        m_store->setStyle(SourceStyle::Inline, MenuSource::separator(m_store->separators().first()));
+        m_controller->showMenu({CommandEntry{QStringLiteral("Quit Quillon"), {}}});
+        QCOMPARE(menuShown(), (QStringList{QStringLiteral("Quillon"), QStringLiteral("Quit Quillon!")}));
     }
 
     void browsingWithTheMouse()
     {
         layOutMenu();
         m_controller->showMenu({});
-        QListView *list = m_controller->view()->results();
-        const auto click = [list](int row) {
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                              list->visualRect(list->model()->index(row, 0)).center());
-        };
         // The path, a line and the disabled folder do nothing.
-        click(0);
-        click(2);
-        click(7);
+        clickRow(0);
+        clickRow(2);
+        clickRow(7);
         QCOMPARE(browser().depth(), 0);
-        click(1);
+        clickRow(1);
         QCOMPARE(browser().depth(), 1);
         // The second click of a double click lands on an application; it
         // opens nothing.
-        click(2);
+        clickRow(2);
         QVERIFY(m_launcher.calls.isEmpty());
         QTest::qWait(QApplication::doubleClickInterval() + 50);
-        click(2);
-        QCOMPARE(m_launcher.calls.size(), 1);
-        QVERIFY(!m_controller->isShown());
+        // An item of the menu opens as a search result does.
+        const QUrl url = std::get<OpenableEntry>(browser().entries().at(1)).url;
+        clickRow(2);
+        QCOMPARE(m_launcher.calls,
+                 QStringList{QStringLiteral("launch %1 shown=0 recent=%2").arg(url.toLocalFile(), url.fileName())});
     }
 
     void aNoticeAboveTheField()
@@ -463,17 +408,15 @@ private Q_SLOTS:
         SearchPanelNotice *notice = m_controller->view()->notice();
         QVERIFY(notice);
         QCOMPARE(notice->message()->text(), QStringLiteral("No system tray is available."));
-        QCOMPARE(notice->message()->accessibleName(), notice->message()->text());
-        QCOMPARE(notice->copyLine()->text(), QStringLiteral("bindsym $mod+space exec quillon --toggle-search"));
         QVERIFY(notice->copyLine()->isReadOnly());
         QCOMPARE(notice->buttons().size(), 2);
-        QCOMPARE(notice->buttons().at(0)->accessibleName(), QStringLiteral("Add Keyboard Shortcut"));
         QTest::mouseClick(notice->copyButton(), Qt::LeftButton);
-        QCOMPARE(QGuiApplication::clipboard()->text(), notice->copyLine()->text());
+        QCOMPARE(QGuiApplication::clipboard()->text(),
+                 QStringLiteral("bindsym $mod+space exec quillon --toggle-search"));
         QTest::mouseClick(notice->buttons().at(1), Qt::LeftButton);
         QTest::mouseClick(notice->buttons().at(0), Qt::LeftButton);
         QCOMPARE(pressed, (QStringList{QStringLiteral("later"), QStringLiteral("add")}));
-        // Return on a button is the button's; the panel stays.
+        // A key on a button is the button's; the panel stays.
         notice->buttons().at(1)->setFocus();
         QTest::keyClick(notice->buttons().at(1), Qt::Key_Space);
         QCOMPARE(pressed.size(), 3);
