@@ -95,35 +95,26 @@ private Q_SLOTS:
 
     void documentChoice_data()
     {
-        QTest::addColumn<QStringList>("files");
         QTest::addColumn<QString>("running");
+        QTest::addColumn<QStringList>("files");
         QTest::addColumn<QString>("chosen");
-        QTest::newRow("newest not newer") << QStringList{"14.json", "15.json"} << "15.3.1"
-                                          << "15.json";
-        QTest::newRow("newer skipped") << QStringList{"14.json", "15.4.json"} << "15.3"
-                                       << "14.json";
-        QTest::newRow("all newer: oldest") << QStringList{"16.json", "15.json"} << "14.6"
-                                           << "15.json";
-        QTest::newRow("equal names: later listed") << QStringList{"15.0.json", "15.json"} << "15.0.0"
-                                                   << "15.json";
-        QTest::newRow("equal names, other order") << QStringList{"15.json", "15.0.json"} << "15"
-                                                  << "15.0.json";
+        QTest::newRow("newest not newer") << "15.3.1" << QStringList{"14.json", "15.json"} << "15.json";
+        QTest::newRow("newer skipped") << "15.3" << QStringList{"14.json", "15.4.json"} << "14.json";
+        QTest::newRow("all newer: oldest") << "14.6" << QStringList{"16.json", "15.json"} << "15.json";
+        QTest::newRow("equal names: later listed") << "15.0.0" << QStringList{"15.0.json", "15.json"} << "15.json";
+        QTest::newRow("equal names, other order") << "15" << QStringList{"15.json", "15.0.json"} << "15.0.json";
         QTest::newRow("listing order is not version order")
-            << QStringList{"5.100.json", "5.27.json", "5.9.json"} << "5.50"
-            << "5.27.json";
-        QTest::newRow("unknown running: oldest") << QStringList{"46.json", "43.json", "beta.json"} << ""
-                                                 << "43.json";
-        QTest::newRow("names that are not versions") << QStringList{"beta.json", ".json", "README.json"} << "15"
-                                                     << "";
+            << "5.50" << QStringList{"5.100.json", "5.27.json", "5.9.json"} << "5.27.json";
+        QTest::newRow("unknown running: oldest") << "" << QStringList{"46.json", "43.json", "beta.json"} << "43.json";
+        QTest::newRow("names that are not versions") << "15" << QStringList{"beta.json", ".json", "README.json"} << "";
     }
 
     void documentChoice()
     {
-        QFETCH(QStringList, files);
         QFETCH(QString, running);
+        QFETCH(QStringList, files);
         QFETCH(QString, chosen);
-        const auto runningVersion = OSVersion::parse(running);
-        QCOMPARE(chooseDocument(files, runningVersion).value_or(QString()), chosen);
+        QCOMPARE(chooseDocument(files, OSVersion::parse(running)).value_or(QString()), chosen);
     }
 
     void desktopChoice()
