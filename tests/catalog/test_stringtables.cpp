@@ -18,10 +18,16 @@ const QString fixtureTable = QStringLiteral(FIXTURE_LOCALE_DIR "/%l/LC_MESSAGES/
 const QString desktopFixture = QStringLiteral(CATALOG_TEST_DATA "/kcm_fixture.desktop");
 const QString gnomeTable = QStringLiteral("/usr/share/locale/%l/LC_MESSAGES/gnome-control-center-2.0.mo");
 
-QByteArray readAll(const QString &path)
+const QString germanMo = QStringLiteral(FIXTURE_LOCALE_DIR "/de/LC_MESSAGES/quillon-fixture.mo");
+
+// The text under the key in the localization serving the languages;
+// "(none)" when none serves them, "(error)" when the table cannot be read.
+QString lookUp(const QString &path, const QStringList &languages, const QString &key)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const auto table = loadStringTable(path, languages);
+    if (!table)
+        return QStringLiteral("(error)");
+    return table.value() ? table.value()->value(key) : QStringLiteral("(none)");
 }
 
 // A message catalog written by hand, in either byte order, so that single
@@ -57,24 +63,6 @@ struct MoImage {
     }
 };
 
-// The preferred languages while $LANGUAGE holds the given list.
-QStringList languagesWith(const char *language)
-{
-    const QByteArray saved = qgetenv("LANGUAGE");
-    qputenv("LANGUAGE", language);
-    const QStringList languages = preferredLanguages();
-    qputenv("LANGUAGE", saved);
-    return languages;
-}
-
-SystemStrings::StringsMap stringsMap(std::initializer_list<std::pair<QString, std::optional<StringRef>>> entries)
-{
-    SystemStrings::StringsMap map;
-    for (const auto &[key, ref] : entries)
-        map.insert(key, ref);
-    return map;
-}
-
 } // namespace
 
 class TestStringTables : public QObject
@@ -86,64 +74,59 @@ private Q_SLOTS:
 
     void moReaderReadsMsgfmtOutput()
     {
-        const auto table = readMoCatalog(QStringLiteral(FIXTURE_LOCALE_DIR "/de/LC_MESSAGES/quillon-fixture.mo"));
+        QFile file(germanMo);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray data = file.readAll();
+        const auto table = parseMoCatalog(data);
         QVERIFY2(table.ok(), qPrintable(table.error()));
         QCOMPARE(table.value().value(QStringLiteral("Wi-Fi")), QStringLiteral("WLAN"));
         QCOMPARE(table.value().value(QStringLiteral("keybinding\u0004Search")), QStringLiteral("Suchen"));
         QCOMPARE(table.value().value(QStringLiteral("%d hour")), QStringLiteral("%d Stunde"));
         QVERIFY(!table.value().contains(QStringLiteral("Untranslated")));
         QVERIFY(!table.value().contains(QString()));
-    }
-
-    void moReaderTakesBothByteOrders()
-    {
-        for (const bool bigEndian : {false, true}) {
-            const auto image =
-                MoImage::make({{"", "header"}, {"Blue", "Blau"}, {"One\0Many", "Eins\0Viele"}}, bigEndian);
-            const auto table = parseMoCatalog(image.data);
-            QVERIFY2(table.ok(), qPrintable(table.error()));
-            QCOMPARE(table.value(), (StringTable{{"Blue", "Blau"}, {"One", "Eins"}}));
-        }
-    }
-
-    void damagedMoFilesAreRefused_data()
-    {
-        QTest::addColumn<QByteArray>("data");
-        const auto good = MoImage::make({{"Blue", "Blau"}, {"Red", "Rot"}}, false);
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("short header") << good.data.left(27);
-        QTest::newRow("truncated strings") << good.data.chopped(3);
-        const auto damaged = [&good](qsizetype offset, quint32 value) {
-            auto image = good;
-            image.setWord(offset, value);
-            return image.data;
-        };
-        QTest::newRow("bad magic") << damaged(0, 0x12345678);
-        QTest::newRow("revision 2") << damaged(4, 0x20000);
-        QTest::newRow("huge count") << damaged(8, 0xffffffff);
-        QTest::newRow("table beyond the end") << damaged(16, 0xfffffff0);
-        QTest::newRow("hash table beyond the end") << damaged(20, 1000);
-        QTest::newRow("string offset beyond the end") << damaged(28 + 4, 0xfffffffe);
-        QTest::newRow("string length wraps") << damaged(28, 0xffffffff);
-        QTest::newRow("string without its NUL") << damaged(28, 2);
-    }
-
-    void damagedMoFilesAreRefused()
-    {
-        QFETCH(QByteArray, data);
-        const auto table = parseMoCatalog(data);
-        QVERIFY(!table.ok());
-        QVERIFY(!table.error().isEmpty());
-    }
-
-    void everyTruncationOfARealCatalogIsRefused()
-    {
-        const QByteArray data = readAll(QStringLiteral(FIXTURE_LOCALE_DIR "/de/LC_MESSAGES/quillon-fixture.mo"));
-        QVERIFY(data.size() > 100);
         // The last string ends at the last byte, so every shorter copy breaks
         // something.
         for (qsizetype size = 0; size < data.size(); ++size)
             QVERIFY2(!parseMoCatalog(data.left(size)).ok(), qPrintable(QString::number(size)));
+    }
+
+    // Hand-made catalogs in either byte order: read when whole, refused
+    // when a word of the header or of a string's descriptor is damaged.
+    void handMadeMoFiles_data()
+    {
+        QTest::addColumn<QByteArray>("data");
+        QTest::addColumn<bool>("readable");
+        for (const bool bigEndian : {false, true}) {
+            const auto good =
+                MoImage::make({{"", "header"}, {"Blue", "Blau"}, {"One\0Many", "Eins\0Viele"}}, bigEndian);
+            const char *order = bigEndian ? "big-endian" : "little-endian";
+            const auto damaged = [&good](qsizetype offset, quint32 value) {
+                auto image = good;
+                image.setWord(offset, value);
+                return image.data;
+            };
+            QTest::addRow("%s", order) << good.data << true;
+            QTest::addRow("%s, bad magic", order) << damaged(0, 0x12345678) << false;
+            QTest::addRow("%s, revision 2", order) << damaged(4, 0x20000) << false;
+            QTest::addRow("%s, huge count", order) << damaged(8, 0xffffffff) << false;
+            QTest::addRow("%s, table beyond the end", order) << damaged(16, 0xfffffff0) << false;
+            QTest::addRow("%s, hash table beyond the end", order) << damaged(20, 1000) << false;
+            QTest::addRow("%s, string offset beyond the end", order) << damaged(28 + 4, 0xfffffffe) << false;
+            QTest::addRow("%s, string length wraps", order) << damaged(28, 0xffffffff) << false;
+            QTest::addRow("%s, string without its NUL", order) << damaged(28, 2) << false;
+        }
+    }
+
+    void handMadeMoFiles()
+    {
+        QFETCH(QByteArray, data);
+        QFETCH(bool, readable);
+        const auto table = parseMoCatalog(data);
+        QCOMPARE(table.ok(), readable);
+        if (readable)
+            QCOMPARE(table.value(), (StringTable{{"Blue", "Blau"}, {"One", "Eins"}}));
+        else
+            QVERIFY(!table.error().isEmpty());
     }
 
     void localizationChoice_data()
@@ -175,7 +158,11 @@ private Q_SLOTS:
 
     void languageListStartsWithLanguageVariable()
     {
-        QCOMPARE(languagesWith("de_AT:fr::").mid(0, 2), (QStringList{"de_AT", "fr"}));
+        const QByteArray saved = qgetenv("LANGUAGE");
+        qputenv("LANGUAGE", "de_AT:fr::");
+        const QStringList languages = preferredLanguages();
+        qputenv("LANGUAGE", saved);
+        QCOMPARE(languages.mid(0, 2), (QStringList{"de_AT", "fr"}));
     }
 
     void desktopEntryTables()
@@ -184,14 +171,12 @@ private Q_SLOTS:
         QVERIFY2(german.ok(), qPrintable(german.error()));
         QCOMPARE(*german.value(),
                  (StringTable{{"Name", "Anzeige-Einrichtung"}, {"Comment", "Bildschirme\nverwalten"}}));
-        QCOMPARE(loadStringTable(desktopFixture, {"pt_BR"}).value()->value(QStringLiteral("Name")),
-                 QStringLiteral("Configuração do Monitor"));
+        QCOMPARE(lookUp(desktopFixture, {"pt_BR"}, "Name"), QStringLiteral("Configuração do Monitor"));
         // Localizations of other groups do not count.
-        const auto french = loadStringTable(desktopFixture, {"fr"});
-        QVERIFY(french.ok());
-        QVERIFY(!french.value());
-        QVERIFY(!loadStringTable(QStringLiteral(CATALOG_TEST_DATA "/not_an_entry.desktop"), {"de"}).ok());
-        QVERIFY(!loadStringTable(QStringLiteral("/nonexistent/x.desktop"), {"de"}).ok());
+        QCOMPARE(lookUp(desktopFixture, {"fr"}, "Name"), QStringLiteral("(none)"));
+        QCOMPARE(lookUp(QStringLiteral(CATALOG_TEST_DATA "/not_an_entry.desktop"), {"de"}, "Name"),
+                 QStringLiteral("(error)"));
+        QCOMPARE(lookUp(QStringLiteral("/nonexistent/x.desktop"), {"de"}, "Name"), QStringLiteral("(error)"));
     }
 
     void pluginMetadataTables()
@@ -202,40 +187,33 @@ private Q_SLOTS:
         QCOMPARE(*german.value(),
                  (StringTable{{"Name", "Anzeige-Einrichtung"}, {"Description", "Bildschirme verwalten"}}));
         // An empty translation is none, so French has no localization.
-        const auto french = loadStringTable(plugin, {"fr"});
-        QVERIFY(french.ok());
-        QVERIFY(!french.value());
+        QCOMPARE(lookUp(plugin, {"fr"}, "Name"), QStringLiteral("(none)"));
         // Reading the metadata ran none of the plugin's code.
         QVERIFY(!qEnvironmentVariableIsSet("QUILLON_FIXTURE_PLUGIN_LOADED"));
 
         // %p stands for each of Qt's plugin folders.
         const QString anywhere = QStringLiteral("%p/plasma/kcms/systemsettings/kcm_fixture.so");
-        QVERIFY(!loadStringTable(anywhere, {"de"}).ok());
+        QCOMPARE(lookUp(anywhere, {"de"}, "Name"), QStringLiteral("(error)"));
         QCoreApplication::addLibraryPath(QStringLiteral(FIXTURE_PLUGIN_DIR));
-        QCOMPARE(loadStringTable(anywhere, {"pt_BR"}).value()->value(QStringLiteral("Name")),
-                 QStringLiteral("Configuração do monitor"));
+        QCOMPARE(lookUp(anywhere, {"pt_BR"}, "Name"), QStringLiteral("Configuração do monitor"));
         QCoreApplication::removeLibraryPath(QStringLiteral(FIXTURE_PLUGIN_DIR));
 
         QTemporaryDir dir;
-        const QString notAPlugin = dir.filePath(QStringLiteral("kcm_text.so"));
-        QFile file(notAPlugin);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("Name[de]=Anzeige\n") > 0);
-        file.close();
-        QVERIFY(!loadStringTable(notAPlugin, {"de"}).ok());
+        QFile notAPlugin(dir.filePath(QStringLiteral("kcm_text.so")));
+        QVERIFY(notAPlugin.open(QIODevice::WriteOnly) && notAPlugin.write("Name[de]=Anzeige\n") > 0);
+        notAPlugin.close();
+        QCOMPARE(lookUp(notAPlugin.fileName(), {"de"}, "Name"), QStringLiteral("(error)"));
     }
 
     void gettextTablesFollowTheLanguage()
     {
-        QCOMPARE(loadStringTable(fixtureTable, {"fr_FR"}).value()->value(QStringLiteral("Displays")),
-                 QStringLiteral("Écrans"));
-        QCOMPARE(loadStringTable(fixtureTable, {"it", "de_AT"}).value()->value(QStringLiteral("Displays")),
-                 QStringLiteral("Bildschirme"));
-        const auto none = loadStringTable(fixtureTable, {"it"});
-        QVERIFY(none.ok());
-        QVERIFY(!none.value());
-        QVERIFY(!loadStringTable(QStringLiteral("/nonexistent/%l/x.mo"), {"de"}).ok());
-        QVERIFY(
-            !loadStringTable(QStringLiteral(FIXTURE_LOCALE_DIR "/x%l/LC_MESSAGES/quillon-fixture.mo"), {"de"}).ok());
+        QCOMPARE(lookUp(fixtureTable, {"fr_FR"}, "Displays"), QStringLiteral("Écrans"));
+        QCOMPARE(lookUp(fixtureTable, {"it", "de_AT"}, "Displays"), QStringLiteral("Bildschirme"));
+        QCOMPARE(lookUp(fixtureTable, {"it"}, "Displays"), QStringLiteral("(none)"));
+        QCOMPARE(lookUp(QStringLiteral("/nonexistent/%l/x.mo"), {"de"}, "Displays"), QStringLiteral("(error)"));
+        // %l must be a whole folder name.
+        QCOMPARE(lookUp(QStringLiteral(FIXTURE_LOCALE_DIR "/x%l/LC_MESSAGES/quillon-fixture.mo"), {"de"}, "Displays"),
+                 QStringLiteral("(error)"));
     }
 
     void unreadableTablesAreLoggedOnce()
@@ -259,20 +237,19 @@ private Q_SLOTS:
         // The failure is remembered: no second read, no second log line,
         // even once the file has become readable.
         QVERIFY(broken.remove());
-        QVERIFY(
-            QFile::copy(QStringLiteral(FIXTURE_LOCALE_DIR "/de/LC_MESSAGES/quillon-fixture.mo"), broken.fileName()));
+        QVERIFY(QFile::copy(germanMo, broken.fileName()));
         QVERIFY(!strings.table(table));
         QCOMPARE(strings.resolve(QStringLiteral("Red"), ref), QStringLiteral("Rot"));
     }
 
     void systemTextsLoseTheirEllipsis()
     {
-        SystemStrings strings(stringsMap({{"settings", StringRef{fixtureTable, "Settings…"}},
-                                          {"clearMenu", StringRef{fixtureTable, "Clear Menu"}},
-                                          {"search", StringRef{fixtureTable, "Search"}},
-                                          {"add", std::nullopt},
-                                          {"remove", StringRef{fixtureTable, "No such key"}}}),
-                              {"de"});
+        const SystemStrings::StringsMap refs{{"settings", StringRef{fixtureTable, "Settings…"}},
+                                             {"clearMenu", StringRef{fixtureTable, "Clear Menu"}},
+                                             {"search", StringRef{fixtureTable, "Search"}},
+                                             {"add", std::nullopt},
+                                             {"remove", StringRef{fixtureTable, "No such key"}}};
+        SystemStrings strings(refs, {"de"});
         QCOMPARE(strings.text(SystemString::Settings), QStringLiteral("Einstellungen "));
         QCOMPARE(strings.text(SystemString::ClearMenu), QStringLiteral("Menü leeren"));
         QCOMPARE(strings.text(SystemString::Search), QStringLiteral("Suche"));
@@ -287,7 +264,6 @@ private Q_SLOTS:
         SystemStrings english(std::nullopt, {"en_US"});
         SystemStrings german(std::nullopt, {"de_DE"});
         const QStringList sameInGerman{"Name", "%@: %@", "Orange"};
-        QCOMPARE(allCases<SystemString>().size(), 63);
         for (const SystemString string : allCases<SystemString>()) {
             QCOMPARE(english.text(string), englishText(string));
             if (!sameInGerman.contains(englishText(string)))
@@ -333,16 +309,12 @@ private Q_SLOTS:
             QSKIP("gnome-control-center-data is not installed");
         const StringRef wifi{gnomeTable, QStringLiteral("Wi-Fi")};
         const StringRef displays{gnomeTable, QStringLiteral("Displays")};
-        SystemStrings german(std::nullopt, languagesWith("de"));
+        SystemStrings german(std::nullopt, {"de-AT"});
         QCOMPARE(german.resolve(QStringLiteral("Wi-Fi"), wifi), QStringLiteral("WLAN"));
         QCOMPARE(german.resolve(QStringLiteral("Displays"), displays), QStringLiteral("Bildschirme"));
-        SystemStrings austrian(std::nullopt, {"de-AT"});
-        QCOMPARE(austrian.resolve(QStringLiteral("Wi-Fi"), wifi), QStringLiteral("WLAN"));
         // The French file writes a soft hyphen into the word.
         SystemStrings french(std::nullopt, {"fr"});
         QCOMPARE(french.resolve(QStringLiteral("Displays"), displays), QStringLiteral("Éc\u00ADrans"));
-        SystemStrings unserved(std::nullopt, {"x-none"});
-        QCOMPARE(unserved.resolve(QStringLiteral("Displays"), displays), QStringLiteral("Displays"));
     }
 };
 

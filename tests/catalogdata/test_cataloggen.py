@@ -7,6 +7,7 @@ import json
 import os
 import sys
 import tempfile
+import types
 import unittest
 
 sys.dont_write_bytecode = True
@@ -88,6 +89,13 @@ msgstr "Region und Sprache"
 '''
 
 
+def write_tree(root, files):
+    for path, text in files.items():
+        os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
+        with open(os.path.join(root, path), "w", encoding="utf-8") as f:
+            f.write(text if isinstance(text, str) else json.dumps(text))
+
+
 class Templates(unittest.TestCase):
     def test_blueprint_rows_pages_and_comments(self):
         root = gnome.parse_blp(BLP)[0]
@@ -127,16 +135,12 @@ class Pages(unittest.TestCase):
     def tree(self, panel_code, shell_code):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        files = {
+        write_tree(folder.name, {
             "shell/cc-panel.c": shell_code,
             "panels/privacy/cc-privacy-panel.blp": BLP,
             "panels/privacy/cc-privacy-panel.c": panel_code,
             "panels/privacy/cc-screen-page.ui": UI,
-        }
-        for path, text in files.items():
-            os.makedirs(os.path.join(folder.name, os.path.dirname(path)), exist_ok=True)
-            with open(os.path.join(folder.name, path), "w", encoding="utf-8") as f:
-                f.write(text)
+        })
         return folder.name
 
     def pages(self, panel_code, shell_code="adw_navigation_view_push_by_tag"):
@@ -167,13 +171,6 @@ class Translations(unittest.TestCase):
             f.write(PO)
         self.addCleanup(os.unlink, f.name)
         self.assertEqual(po.msgids(f.name), {"Wi-Fi", "keybinding\u0004Screen", "Region & Language"})
-
-
-def write_tree(root, files):
-    for path, text in files.items():
-        os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
-        with open(os.path.join(root, path), "w", encoding="utf-8") as f:
-            f.write(text if isinstance(text, str) else json.dumps(text))
 
 
 def category(name, parent, weight, module=None):
@@ -287,27 +284,18 @@ add_library(helper MODULE x.cpp)
 
 class BreezeIcons(unittest.TestCase):
     def test_every_record_gets_an_icon_from_breeze(self):
-        class Audit:
-            def __init__(self):
-                self.failures, self.notes = [], []
-
-            def fail(self, where, message):
-                self.failures.append(message)
-
-            def note(self, where, message):
-                self.notes.append(message)
-
+        failures, notes = [], []
+        audit = types.SimpleNamespace(fail=lambda where, message: failures.append(message),
+                                      note=lambda where, message: notes.append(message))
         panes = [
             {"id": "ok", "symbol": "preferences-desktop-display-randr", "symbolFallback": "video-display"},
             {"id": "new", "symbol": "flatpak-discover", "symbolFallback": "preferences-security"},
             {"id": "bad", "symbol": "preferences-desktop", "symbolFallback": "preferences-system-disks"},
         ]
         names = {"preferences-desktop-display", "video-display", "preferences-security", "preferences-desktop"}
-        audit = Audit()
         check_breeze_icons(audit, "kde/6.0.json", {"panes": panes}, names)
-        self.assertEqual(audit.failures,
-                         ['symbolFallback "preferences-system-disks" is not in the installed Breeze theme'])
-        self.assertEqual(audit.notes, ["not in the installed Breeze, drawn from the fallback: flatpak-discover"])
+        self.assertEqual(failures, ['symbolFallback "preferences-system-disks" is not in the installed Breeze theme'])
+        self.assertEqual(notes, ["not in the installed Breeze, drawn from the fallback: flatpak-discover"])
 
 
 class DocumentFormat(unittest.TestCase):

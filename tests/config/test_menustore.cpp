@@ -27,6 +27,11 @@ QUrl file(const char *path)
     return QUrl::fromLocalFile(QString::fromUtf8(path));
 }
 
+QUrl url(const char *text)
+{
+    return QUrl(QString::fromUtf8(text));
+}
+
 } // namespace
 
 class TestMenuStore : public QObject
@@ -52,22 +57,18 @@ private Q_SLOTS:
         QFile::remove(m_path);
     }
 
-    void firstStartShowsTheBuiltInsAndWritesNothing()
+    void newSourcesLandAtTheEndWithTheirDefaultStyle()
     {
         Preferences preferences(m_path);
         MenuStore store(preferences);
+        // The first start shows the built-ins and writes nothing.
         QCOMPARE(sourcesOf(store.layout()), builtIns);
         for (const auto &entry : store.layout())
             QCOMPARE(entry.style, SourceStyle::Submenu);
         QCOMPARE(store.recentsLimit(), 5);
         QVERIFY(!store.savedLayout());
         QVERIFY(!QFile::exists(m_path));
-    }
 
-    void newSourcesLandAtTheEndWithTheirDefaultStyle()
-    {
-        Preferences preferences(m_path);
-        MenuStore store(preferences);
         QSignalSpy layoutChanged(&store, &MenuStore::layoutChanged);
         store.move({MenuSource::recents()}, MenuSource::applications());
         store.setStyle(SourceStyle::Hidden, MenuSource::shortcuts());
@@ -84,14 +85,21 @@ private Q_SLOTS:
         // folders, shortcut sources, separators.
         const auto layout = store.layout();
         QCOMPARE(layout.mid(0, 4), arranged);
-        QCOMPARE(layout.at(4), (LayoutEntry{MenuSource::customMenu(menu.id), SourceStyle::Submenu}));
-        QCOMPARE(layout.at(5), (LayoutEntry{MenuSource::folder(store.folders().first().id), SourceStyle::Submenu}));
-        QCOMPARE(layout.at(6), (LayoutEntry{MenuSource::shortcut(backup), SourceStyle::Inline}));
-        QCOMPARE(layout.at(7), (LayoutEntry{MenuSource::shortcutFolder(backup), SourceStyle::Submenu}));
-        QCOMPARE(layout.at(8), (LayoutEntry{MenuSource::separator(store.separators().first()), SourceStyle::Inline}));
+        QCOMPARE(layout.mid(4), (QList<LayoutEntry>{
+                                    {MenuSource::customMenu(menu.id), SourceStyle::Submenu},
+                                    {MenuSource::folder(store.folders().first().id), SourceStyle::Submenu},
+                                    {MenuSource::shortcut(backup), SourceStyle::Inline},
+                                    {MenuSource::shortcutFolder(backup), SourceStyle::Submenu},
+                                    {MenuSource::separator(store.separators().first()), SourceStyle::Inline},
+                                }));
         QCOMPARE(store.style(MenuSource::shortcuts()), SourceStyle::Hidden);
         QCOMPARE(store.style(MenuSource::folder(QUuid::createUuid())), SourceStyle::Hidden);
         QVERIFY(layoutChanged.count() >= 7);
+        // A shortcut source already there is not added twice.
+        QSignalSpy sourcesChanged(&store, &MenuStore::shortcutSourcesChanged);
+        store.addShortcutSource(MenuSource::shortcut(backup));
+        QCOMPARE(sourcesChanged.count(), 0);
+        QCOMPARE(store.layout(), layout);
 
         // Removing sources drops them from the layout; their saved entries
         // stay behind but are never shown.
@@ -125,7 +133,7 @@ private Q_SLOTS:
             store.setShowsOnlyFavoriteApps(true);
             store.setRecentsLimit(8);
             store.move({MenuSource::customMenu(menuId)}, MenuSource::applications());
-            store.recordRecent(QUrl(QStringLiteral("settings://gnome/wifi")));
+            store.recordRecent(url("settings://gnome/wifi"));
             layout = store.layout();
 
             // Another reader sees each change before the call returned.
@@ -142,16 +150,14 @@ private Q_SLOTS:
         QCOMPARE(store.folders().first().sort, FolderSort::DateModified);
         QVERIFY(store.showsOnlyFavoriteApps());
         QCOMPARE(store.recentsLimit(), 8);
-        QCOMPARE(store.recents(), QList{QUrl(QStringLiteral("settings://gnome/wifi"))});
+        QCOMPARE(store.recents(), QList{url("settings://gnome/wifi")});
     }
 
     void unreadableStateStartsFromDefaultsSilently_data()
     {
         QTest::addColumn<QVariant>("menuState");
         QTest::newRow("unknown style") << QVariant(QStringLiteral(JSON({"layout":[{"source":{"recents":{}},"style":"hidden"},{"source":{"shortcuts":{}},"style":"folded"}]})));
-        QTest::newRow("wrong type") << QVariant(QStringLiteral(JSON({"menus":"Work"})));
         QTest::newRow("truncated") << QVariant(QStringLiteral("{\"layout\":[{\"source\":{\"rec"));
-        QTest::newRow("not json") << QVariant(QStringLiteral("@@@ this is not a menu @@@"));
         QByteArray garbage(4 << 20, '\0');
         for (qsizetype i = 0; i < garbage.size(); ++i)
             garbage[i] = char((i * 7919) % 251);
@@ -170,41 +176,9 @@ private Q_SLOTS:
         MenuStore store(preferences);
         QCOMPARE(sourcesOf(store.layout()), builtIns);
         QVERIFY(store.menus().isEmpty());
-        QCOMPARE(store.recents(), (QList{file("/home/u/a.txt"), QUrl(QStringLiteral("settings://kde/kcm_kscreen"))}));
+        QCOMPARE(store.recents(), (QList{file("/home/u/a.txt"), url("settings://kde/kcm_kscreen")}));
         // Left as it was until the next change replaces it.
         QCOMPARE(stored(QStringLiteral("MenuState")), menuState);
-    }
-
-    void handWrittenStateIsDerivedInOrder()
-    {
-        store(QStringLiteral("MenuState"),
-              QStringLiteral(JSON({
-            "layout": [
-                {"source": {"recents": {}}, "style": "inline"},
-                {"source": {"folder": {"_0": "00000000-0000-4000-8000-0000000000F0"}}, "style": "hidden"},
-                {"source": {"customMenu": {"_0": "00000000-0000-4000-8000-00000000000B"}}, "style": "inline"}
-            ],
-            "menus": [{"id": "00000000-0000-4000-8000-00000000000A", "name": "A", "urls": []},
-                      {"id": "00000000-0000-4000-8000-00000000000B", "name": "B", "urls": []}],
-            "separators": ["00000000-0000-4000-8000-0000000000C0"]
-        })));
-        Preferences preferences(m_path);
-        MenuStore store(preferences);
-        const auto b =
-            MenuSource::customMenu(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-00000000000B")));
-        const auto a =
-            MenuSource::customMenu(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-00000000000A")));
-        const auto separator =
-            MenuSource::separator(QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-0000000000C0")));
-        QCOMPARE(store.layout(), (QList<LayoutEntry>{
-                                     {MenuSource::recents(), SourceStyle::Inline},
-                                     {b, SourceStyle::Inline},
-                                     {MenuSource::applications(), SourceStyle::Submenu},
-                                     {MenuSource::systemSettings(), SourceStyle::Submenu},
-                                     {MenuSource::shortcuts(), SourceStyle::Submenu},
-                                     {a, SourceStyle::Submenu},
-                                     {separator, SourceStyle::Inline},
-                                 }));
     }
 
     void movingABlock()
@@ -226,7 +200,8 @@ private Q_SLOTS:
         QCOMPARE(sourcesOf(*store.savedLayout()), sourcesOf(store.layout()));
     }
 
-    void recentsAreNormalisedDeduplicatedAndCapped()
+    // A file spelled two ways is one item.
+    void recentsAndFavouritesTakeEachFileOnce()
     {
         Preferences preferences(m_path);
         MenuStore store(preferences);
@@ -234,15 +209,15 @@ private Q_SLOTS:
         for (int i = 0; i < 11; ++i)
             store.recordRecent(QUrl(QStringLiteral("settings://gnome/panel%1").arg(i)));
         QCOMPARE(store.recents().size(), 10);
-        QCOMPARE(store.recents().first(), QUrl(QStringLiteral("settings://gnome/panel10")));
-        QCOMPARE(store.recents().last(), QUrl(QStringLiteral("settings://gnome/panel1")));
+        QCOMPARE(store.recents().first(), url("settings://gnome/panel10"));
+        QCOMPARE(store.recents().last(), url("settings://gnome/panel1"));
 
-        // The same file spelled two ways is one recent item, moved to the front.
-        store.recordRecent(QUrl(QStringLiteral("file:///home/u/My%20Notes.txt")));
-        store.recordRecent(QUrl(QStringLiteral("file://localhost/home/u/My Notes.txt")));
+        // Recorded again, it moves to the front.
+        store.recordRecent(url("file:///home/u/My%20Notes.txt"));
+        store.recordRecent(url("file://localhost/home/u/My Notes.txt"));
         QCOMPARE(store.recents().first(), file("/home/u/My Notes.txt"));
         QCOMPARE(store.recents().count(file("/home/u/My Notes.txt")), 1);
-        store.recordRecent(QUrl(QStringLiteral("file:///home/u/Music/")));
+        store.recordRecent(url("file:///home/u/Music/"));
         QCOMPARE(store.recents().first().toString(), QStringLiteral("file:///home/u/Music/"));
 
         changed.clear();
@@ -255,6 +230,12 @@ private Q_SLOTS:
         store.setStyle(SourceStyle::Hidden, MenuSource::recents());
         store.recordRecent(file("/etc/hosts"));
         QVERIFY(store.recents().isEmpty());
+
+        store.setFavorite(true, url("file:///usr/share/applications/gimp.desktop"));
+        QVERIFY(store.isFavorite(url("file://localhost/usr/share/applications/gimp.desktop")));
+        QVERIFY(!store.isFavorite(file("/usr/share/applications/inkscape.desktop")));
+        store.setFavorite(false, url("file://localhost/usr/share/applications/gimp.desktop"));
+        QVERIFY(store.favoriteApps().isEmpty());
     }
 
     void customMenusGroupAndOrderTheirItems()
@@ -264,9 +245,9 @@ private Q_SLOTS:
         const auto id = store.addMenu(QStringLiteral("Mixed")).id;
         const QUrl app = file("/usr/share/applications/org.gnome.Terminal.desktop");
         const QUrl upperApp = file("/opt/Tool.DESKTOP");
-        const QUrl wifi(QStringLiteral("settings://gnome/wifi"));
-        const QUrl sound(QStringLiteral("settings://gnome/sound"));
-        const QUrl power(QStringLiteral("settings://gnome/power"));
+        const QUrl wifi = url("settings://gnome/wifi");
+        const QUrl sound = url("settings://gnome/sound");
+        const QUrl power = url("settings://gnome/power");
         const QUrl run = shortcutURL(QStringLiteral("A1B2C3D4-0000-4000-8000-000000000001"));
         for (const auto &url : {wifi, app, sound, run, upperApp, power})
             store.setIncluded(true, url, id);
@@ -280,8 +261,7 @@ private Q_SLOTS:
         QVERIFY(!store.contains(sound, QUuid::createUuid()));
 
         // Including again moves to the end; the spelling of a file URL does not matter.
-        store.setIncluded(
-            true, QUrl(QStringLiteral("file://localhost/usr/share/applications/org.gnome.Terminal.desktop")), id);
+        store.setIncluded(true, url("file://localhost/usr/share/applications/org.gnome.Terminal.desktop"), id);
         QCOMPARE(store.menu(id)->urls.last(), app);
         QCOMPARE(store.menu(id)->urls.count(app), 1);
         store.setIncluded(false, wifi, id);
@@ -289,62 +269,20 @@ private Q_SLOTS:
         store.setIncluded(true, wifi, id);
 
         // Settings are reordered among themselves and placed after the rest.
-        store.moveSettings(id, {2}, 0);
-        QCOMPARE(store.menu(id)->urls, (QList{run, upperApp, app, wifi, sound, power}));
         store.moveSettings(id, {0, 2}, 2);
-        QCOMPARE(MenuStore::urls(MenuItemKind::Settings, *store.menu(id)), (QList{sound, wifi, power}));
+        QCOMPARE(store.menu(id)->urls, (QList{run, upperApp, app, power, sound, wifi}));
 
-        QCOMPARE(MenuStore::groupOrder(*store.menu(id)), allCases<MenuItemKind>());
-        store.moveGroups(id, {MenuItemKind::Apps, MenuItemKind::Settings}, {1}, 0);
-        QCOMPARE(MenuStore::groupOrder(*store.menu(id)),
-                 (QList{MenuItemKind::Settings, MenuItemKind::Apps, MenuItemKind::Files, MenuItemKind::Shortcuts}));
-    }
-
-    void menuOperationsOnMissingMenusDoNothing()
-    {
-        Preferences preferences(m_path);
-        MenuStore store(preferences);
-        const auto work = store.addMenu(QStringLiteral("Work"));
-        store.setIncluded(true, QUrl(QStringLiteral("settings://gnome/wifi")), work.id);
-        const auto copy = store.duplicateMenu(work.id, QStringLiteral("Work copy"));
-        QVERIFY(copy && copy->id != work.id);
-        QCOMPARE(copy->urls, store.menu(work.id)->urls);
+        // A copy has an id of its own; operations on a missing menu do nothing.
+        const auto copy = store.duplicateMenu(id, QStringLiteral("Mixed copy"));
+        QVERIFY(copy && copy->id != id);
         QVERIFY(!store.duplicateMenu(QUuid::createUuid(), QStringLiteral("x")));
-
         const auto before = store.menus();
         store.renameMenu(QUuid::createUuid(), QStringLiteral("Ghost"));
         store.setSort(FolderSort::DateAdded, QUuid::createUuid());
         QCOMPARE(store.menus(), before);
-
-        store.renameMenu(work.id, QStringLiteral("Office"));
-        QCOMPARE(store.menu(work.id)->name, QStringLiteral("Office"));
-        store.removeMenu(work.id);
-        QVERIFY(!store.menu(work.id));
+        store.removeMenu(id);
+        QVERIFY(!store.menu(id));
         QCOMPARE(store.layout().last().source, MenuSource::customMenu(copy->id));
-    }
-
-    void addingAPresentShortcutSourceDoesNotSave()
-    {
-        Preferences preferences(m_path);
-        MenuStore store(preferences);
-        const auto source = MenuSource::shortcutFolder({QStringLiteral("F"), QStringLiteral("Daily")});
-        store.addShortcutSource(source);
-        this->store(QStringLiteral("MenuState"), QStringLiteral("sentinel"));
-        QSignalSpy changed(&store, &MenuStore::shortcutSourcesChanged);
-        store.addShortcutSource(source);
-        QCOMPARE(changed.count(), 0);
-        QCOMPARE(stored(QStringLiteral("MenuState")).toString(), QStringLiteral("sentinel"));
-    }
-
-    void favouritesCompareByPath()
-    {
-        Preferences preferences(m_path);
-        MenuStore store(preferences);
-        store.setFavorite(true, QUrl(QStringLiteral("file:///usr/share/applications/gimp.desktop")));
-        QVERIFY(store.isFavorite(QUrl(QStringLiteral("file://localhost/usr/share/applications/gimp.desktop"))));
-        QVERIFY(!store.isFavorite(file("/usr/share/applications/inkscape.desktop")));
-        store.setFavorite(false, QUrl(QStringLiteral("file://localhost/usr/share/applications/gimp.desktop")));
-        QVERIFY(store.favoriteApps().isEmpty());
     }
 
     void listMovesFollowTheOriginalOffsets()
