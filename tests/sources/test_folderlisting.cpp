@@ -20,10 +20,10 @@ QStringList names(const QList<FolderEntry> &entries)
     return result;
 }
 
-bool touch(const QString &path)
+bool touch(const QString &path, const QByteArray &contents = {})
 {
     QFile file(path);
-    return file.open(QIODevice::WriteOnly);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
 }
 
 bool setModified(const QString &path, const QDateTime &time)
@@ -69,18 +69,13 @@ private Q_SLOTS:
     void hiddenItemsAndFolderKinds()
     {
         const QDir dir(m_dir->path());
-        QVERIFY(dir.mkdir(QStringLiteral("Folder")));
-        QVERIFY(dir.mkdir(QStringLiteral(".config")));
-        QVERIFY(dir.mkdir(QStringLiteral("snap")));
-        QVERIFY(touch(dir.filePath(QStringLiteral("file.txt"))));
-        QVERIFY(touch(dir.filePath(QStringLiteral(".profile"))));
-        QVERIFY(touch(dir.filePath(QStringLiteral("secret.txt"))));
+        for (const char *folder : {"Folder", ".config", "snap"})
+            QVERIFY(dir.mkdir(QLatin1String(folder)));
+        for (const char *file : {"file.txt", ".profile", "secret.txt"})
+            QVERIFY(touch(dir.filePath(QLatin1String(file))));
         QVERIFY(QFile::link(dir.filePath(QStringLiteral("Folder")), dir.filePath(QStringLiteral("Folder link"))));
         QVERIFY(QFile::link(dir.filePath(QStringLiteral("gone")), dir.filePath(QStringLiteral("broken link"))));
-        QFile hidden(dir.filePath(QStringLiteral(".hidden")));
-        QVERIFY(hidden.open(QIODevice::WriteOnly));
-        hidden.write("snap\r\nsecret.txt\n\nnot-there\n");
-        hidden.close();
+        QVERIFY(touch(dir.filePath(QStringLiteral(".hidden")), "snap\r\nsecret.txt\n\nnot-there\n"));
 
         const QStringList visible{"broken link", "file.txt", "Folder", "Folder link"};
         const QList<bool> isFolder{false, false, true, true};
