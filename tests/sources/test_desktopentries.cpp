@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -138,6 +137,17 @@ QStringList quillonVisible()
     return result;
 }
 
+// The entries of `list` that `other` lacks, to name them in a failure.
+QString missingFrom(const QStringList &other, const QStringList &list)
+{
+    QStringList missing;
+    for (const QString &entry : list) {
+        if (!other.contains(entry))
+            missing.append(entry);
+    }
+    return missing.join(QLatin1String("; "));
+}
+
 } // namespace
 
 class TestDesktopEntries : public QObject
@@ -162,29 +172,14 @@ private Q_SLOTS:
         const QStringList glib = glibVisible();
         QVERIFY(glib.size() > 10);
         const QStringList ours = quillonVisible();
-        const QStringList &expected = glib;
-        // The differences first, so a failure names the entries.
-        const QSet<QString> oursSet(ours.begin(), ours.end());
-        const QSet<QString> expectedSet(expected.begin(), expected.end());
-        QStringList onlyOurs = (oursSet - expectedSet).values();
-        QStringList onlyGlib = (expectedSet - oursSet).values();
-        onlyOurs.sort();
-        onlyGlib.sort();
-        QCOMPARE(onlyOurs.join(QLatin1String("; ")), QString());
-        QCOMPARE(onlyGlib.join(QLatin1String("; ")), QString());
-        QCOMPARE(ours, expected);
-    }
-
-    void sessionLanguageIsUsed()
-    {
+        QCOMPARE(missingFrom(glib, ours), QString());
+        QCOMPARE(missingFrom(ours, glib), QString());
+        QCOMPARE(ours, glib);
+        // Not a comparison of untranslated names only: the German session
+        // reads German ones.
         const bool german = qgetenv("LANGUAGE").startsWith("de");
-        const QStringList ours = quillonVisible();
-        const QString home = m_root.path() + "/home/applications/";
-        QVERIFY(ours.contains(home + (german ? "german.desktop|Bearbeiter" : "german.desktop|Editor")));
-        QVERIFY(ours.contains(home + (german ? "territory.desktop|Gebiet" : "territory.desktop|Territory")));
-        QVERIFY(
-            ours.contains(home + (german ? "escapes.desktop|Tab\tund\\Strich" : "escapes.desktop|Tab\tand\\slash ")));
-        QCOMPARE(ours.contains(home + "onlygerman.desktop|Nur Deutsch"), german);
+        const QString editor = m_root.path() + "/home/applications/german.desktop|Bearbeiter";
+        QCOMPARE(ours.contains(editor), german);
     }
 
 private:

@@ -4,13 +4,11 @@
 #include "sources/desktopentries.h"
 #include "sources/entrybuilders.h"
 #include "sources/listingqueue.h"
-#include "sources/shortcutparser.h"
 #include "sources/textmatch.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QMenu>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSemaphore>
 #include <QStandardPaths>
@@ -34,28 +32,29 @@ void write(const QString &path, const QByteArray &data)
     file.write(data);
 }
 
-void fifo(const QString &path)
+// What may stand in a folder under a file's name: reading either never ends.
+enum class NotAFile { Fifo, DevZero };
+
+void make(NotAFile kind, const QString &path)
 {
-    QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    if (kind == NotAFile::Fifo)
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    else
+        QVERIFY(QFile::link(QStringLiteral("/dev/zero"), path));
 }
 
-void link(const QString &target, const QString &path)
+// A file of `size` bytes that takes no room on disk.
+void sparse(const QString &path, const QByteArray &start, qint64 size)
 {
-    QVERIFY(QFile::link(target, path));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(start);
+    QVERIFY(file.resize(size));
 }
 
 QByteArray entry(const QByteArray &name)
 {
     return "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=sh\n";
-}
-
-QStringList appNames(const FolderApps &folder)
-{
-    QStringList names;
-    for (const DesktopApp &app : folder.apps)
-        names.append(app.name);
-    names.sort();
-    return names;
 }
 
 qint64 peakMemoryKb()
@@ -88,15 +87,6 @@ class TestHostileSources : public QObject
 
     QString path(const QString &relative) const { return m_dir.filePath(relative); }
 
-    FolderApps readApps(const QString &folder)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        FolderApps apps = readFolderApps(folder, DesktopEntryRules{{}, {"C"}, QString()});
-        [&] { QVERIFY2(timer.elapsed() < boundMs, qPrintable(QString::number(timer.elapsed()))); }();
-        return apps;
-    }
-
 private Q_SLOTS:
     void initTestCase()
     {
@@ -106,55 +96,48 @@ private Q_SLOTS:
 
     void init() { m_saved.reset(); }
 
-    void applicationsFolderWithFifosDevicesAndHugeEntries()
+    // A FIFO, a link to /dev/zero, a 50 MB entry and links that lead back up
+    // the tree, beside entries that must still be read.
+    void applicationsFolderWithEverythingButEntries()
     {
         const QString apps = path(QStringLiteral("apps"));
         write(apps + QStringLiteral("/good.desktop"), entry("Good"));
-        fifo(apps + QStringLiteral("/x.desktop"));
-        link(QStringLiteral("/dev/zero"), apps + QStringLiteral("/zero.desktop"));
-        // Sparse: 50 MB on paper, nothing on disk.
-        QFile huge(apps + QStringLiteral("/huge.desktop"));
-        QVERIFY(huge.open(QIODevice::WriteOnly));
-        huge.write(entry("Huge"));
-        QVERIFY(huge.resize(50 * 1024 * 1024));
-        huge.close();
+        write(apps + QStringLiteral("/sub/inner.desktop"), entry("Inner"));
+        make(NotAFile::Fifo, apps + QStringLiteral("/x.desktop"));
+        make(NotAFile::DevZero, apps + QStringLiteral("/zero.desktop"));
+        sparse(apps + QStringLiteral("/huge.desktop"), entry("Huge"), 50 * 1024 * 1024);
+        for (int i = 0; i < 6; ++i)
+            QVERIFY(QFile::link(QStringLiteral("."), apps + QStringLiteral("/self%1").arg(i)));
+        QVERIFY(QFile::link(QStringLiteral(".."), apps + QStringLiteral("/sub/up")));
 
         const QRegularExpression notRegular(QStringLiteral("(x|zero)\\.desktop skipped: not a regular file"));
         QTest::ignoreMessage(QtWarningMsg, notRegular);
         QTest::ignoreMessage(QtWarningMsg, notRegular);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("huge\\.desktop skipped: too large")));
         const qint64 memoryBefore = peakMemoryKb();
-        const FolderApps read = readApps(apps);
-        QCOMPARE(appNames(read), QStringList{QStringLiteral("Good")});
+        QElapsedTimer timer;
+        timer.start();
+        const FolderApps read = readFolderApps(apps, DesktopEntryRules{{}, {"C"}, QString()});
+        QVERIFY2(timer.elapsed() < boundMs, qPrintable(QString::number(timer.elapsed())));
         QVERIFY(peakMemoryKb() - memoryBefore < 20 * 1024);
+        QStringList names;
+        for (const DesktopApp &app : read.apps)
+            names.append(app.name);
+        names.sort();
+        QCOMPARE(names, (QStringList{QStringLiteral("Good"), QStringLiteral("Inner")}));
+        // Each real folder once, however many links lead to it.
+        QCOMPARE(read.directories.size(), 2);
         // Skipped entries still mask the same IDs in less important folders.
         QVERIFY(read.ids.contains(QStringLiteral("x.desktop")));
     }
 
-    void linkLoopsAreWalkedOnce()
+    void hiddenListThatIsNotAFileIsIgnored()
     {
-        const QString apps = path(QStringLiteral("loops"));
-        write(apps + QStringLiteral("/top.desktop"), entry("Top"));
-        write(apps + QStringLiteral("/sub/inner.desktop"), entry("Inner"));
-        for (int i = 0; i < 6; ++i)
-            link(QStringLiteral("."), apps + QStringLiteral("/self%1").arg(i));
-        link(QStringLiteral(".."), apps + QStringLiteral("/sub/up"));
-
-        const FolderApps read = readApps(apps);
-        QCOMPARE(appNames(read), (QStringList{QStringLiteral("Inner"), QStringLiteral("Top")}));
-        QCOMPARE(read.directories.size(), 2);
-    }
-
-    void hostileHiddenFilesAreIgnored()
-    {
-        for (const QString &kind : {QStringLiteral("fifo"), QStringLiteral("zero")}) {
-            const QString folder = path(QStringLiteral("hidden-") + kind);
+        for (const NotAFile kind : {NotAFile::Fifo, NotAFile::DevZero}) {
+            const QString folder = path(QStringLiteral("hidden-%1").arg(int(kind)));
             write(folder + QStringLiteral("/a.txt"), "a");
             write(folder + QStringLiteral("/b.txt"), "b");
-            if (kind == QLatin1String("fifo"))
-                fifo(folder + QStringLiteral("/.hidden"));
-            else
-                link(QStringLiteral("/dev/zero"), folder + QStringLiteral("/.hidden"));
+            make(kind, folder + QStringLiteral("/.hidden"));
             QTest::ignoreMessage(QtWarningMsg,
                                  QRegularExpression(QStringLiteral("\\.hidden ignored: not a regular file")));
             QElapsedTimer timer;
@@ -181,11 +164,10 @@ private Q_SLOTS:
         m_saved.store->addFolder(QUrl::fromLocalFile(folder));
         const MenuSource source = MenuSource::folder(m_saved.store->folders().first().id);
         const ContentSources &sources = m_catalog.sources(*m_saved.store, *m_saved.shortcuts);
-        const SourceContext &context = sources.context();
 
         QElapsedTimer timer;
         timer.start();
-        const MenuEntries entries = folderEntries(context, QUrl::fromLocalFile(folder), FolderSort::Name);
+        const MenuEntries entries = folderEntries(sources.context(), QUrl::fromLocalFile(folder), FolderSort::Name);
         QVERIFY2(timer.elapsed() < boundMs, qPrintable(QString::number(timer.elapsed())));
         QCOMPARE(entries.size(), FolderListing::limit + 3);
         const auto &more = std::get<OpenableEntry>(entries.at(FolderListing::limit + 1));
@@ -205,21 +187,21 @@ private Q_SLOTS:
         QCOMPARE(found.first().title, QStringLiteral("f99999.txt"));
     }
 
-    // A mount that never answers holds up a worker, not the menu.
+    // A mount that never answers holds up a worker, not the menu; listings
+    // stuck behind it are refused rather than queued without end.
     void hungListingCostsALoadingItem()
     {
         QSemaphore gate;
+        const auto blocked = [&gate] {
+            gate.acquire();
+            return MenuEntries{};
+        };
         {
             ListingQueue queue;
             int delivered = 0;
-            for (int i = 0; i < ListingQueue::maximumPending; ++i) {
-                queue.run(
-                    [&gate] {
-                        gate.acquire();
-                        return MenuEntries{};
-                    },
-                    [&delivered](const std::optional<MenuEntries> &entries) { delivered += entries ? 1 : 0; });
-            }
+            for (int i = 0; i < ListingQueue::maximumPending; ++i)
+                queue.run(blocked,
+                          [&delivered](const std::optional<MenuEntries> &entries) { delivered += entries ? 1 : 0; });
             bool refused = false;
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("another was refused")));
             queue.run([] { return MenuEntries{}; },
@@ -233,7 +215,6 @@ private Q_SLOTS:
         const QString folder = path(QStringLiteral("slow"));
         write(folder + QStringLiteral("/report.txt"), "r");
         m_saved.store->addFolder(QUrl::fromLocalFile(folder));
-        const MenuSource source = MenuSource::folder(m_saved.store->folders().first().id);
         ListingQueue queue;
         SourceContext context = m_catalog.sources(*m_saved.store, *m_saved.shortcuts).context();
         context.listings = &queue;
@@ -246,6 +227,7 @@ private Q_SLOTS:
         QMenu menu;
         QElapsedTimer timer;
         timer.start();
+        const MenuSource source = MenuSource::folder(m_saved.store->folders().first().id);
         auto *submenu = qobject_cast<LazyMenu *>(builder.addSourceItem(&menu, source)->menu());
         QVERIFY(submenu);
         submenu->fillIfNeeded();
@@ -263,50 +245,41 @@ private Q_SLOTS:
     void oddShortcutNamesAreListedAndRun()
     {
         const QString home = path(QStringLiteral("home"));
+        qputenv("HOME", QFile::encodeName(home));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(home + QStringLiteral("/data")));
         const QByteArray root = QFile::encodeName(home) + "/data/quillon/shortcuts";
         QVERIFY(QDir().mkpath(QFile::decodeName(root) + QStringLiteral("/Folder\tTab")));
         const QList<QByteArray> names{"new\nline",        "carriage\rreturn",        "tab\there",
                                       "bad\xff\xfe utf8", "Folder\tTab/inner\nname", "no shebang"};
         for (int i = 0; i < names.size(); ++i) {
             const QByteArray body = "touch \"$HOME/ran" + QByteArray::number(i) + "\"\n";
-            const QByteArray file = root + '/' + names[i];
-            const int fd = ::open(file.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0700);
-            QVERIFY(fd >= 0);
             const QByteArray text = names[i] == "no shebang" ? body : "#!/bin/sh\n" + body;
+            // By bytes: QFile would turn the invalid UTF-8 into another name.
+            const int fd = ::open((root + '/' + names[i]).constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0700);
+            QVERIFY(fd >= 0);
             QCOMPARE(::write(fd, text.constData(), size_t(text.size())), ssize_t(text.size()));
             ::close(fd);
         }
 
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("HOME"), home);
-        environment.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/data"));
-        const auto tool = [&environment](const QStringList &arguments) {
-            QProcess process;
-            process.setProcessEnvironment(environment);
-            process.start(QStringLiteral(QUILLON_SHORTCUTS_TOOL), arguments);
-            process.waitForFinished();
-            return std::pair(process.exitCode(), process.readAllStandardOutput());
-        };
+        // The real tool, through the library that lists and runs them.
+        ShortcutLibrary library(QStringLiteral(QUILLON_SHORTCUTS_TOOL));
+        library.refresh();
+        QTRY_VERIFY(library.hasLoaded());
+        const ShortcutLibrary::Snapshot &snapshot = library.snapshot();
+        QCOMPARE(snapshot.folders.size(), 1);
+        QCOMPARE(snapshot.folders.first().ref.name, QStringLiteral("Folder Tab"));
+        QStringList listed;
+        for (const ShortcutRef &ref : library.allShortcuts())
+            listed.append(ref.name);
+        listed.sort();
+        QCOMPARE(listed, (QStringList{QStringLiteral("bad\uFFFD\uFFFD utf8"), QStringLiteral("carriage return"),
+                                      QStringLiteral("inner name"), QStringLiteral("new line"),
+                                      QStringLiteral("no shebang"), QStringLiteral("tab here")}));
 
-        const auto [status, output] = tool({QStringLiteral("list"), QStringLiteral("--show-identifiers")});
-        QCOMPARE(status, 0);
-        const QList<ShortcutRef> listed = parseShortcutList(output);
-        QStringList listedNames;
-        for (const ShortcutRef &ref : listed)
-            listedNames.append(ref.name);
-        listedNames.sort();
-        QCOMPARE(listedNames, (QStringList{QStringLiteral("bad\uFFFD\uFFFD utf8"), QStringLiteral("carriage return"),
-                                           QStringLiteral("inner name"), QStringLiteral("new line"),
-                                           QStringLiteral("no shebang"), QStringLiteral("tab here")}));
-        const auto folders = parseShortcutList(
-            tool({QStringLiteral("list"), QStringLiteral("--show-identifiers"), QStringLiteral("--folders")}).second);
-        QCOMPARE(folders.size(), 1);
-        QCOMPARE(folders.first().name, QStringLiteral("Folder Tab"));
-
-        for (const ShortcutRef &ref : listed)
-            QCOMPARE(tool({QStringLiteral("run"), ref.id}).first, 0);
+        for (const ShortcutRef &ref : library.allShortcuts())
+            library.run(ref.id);
         for (int i = 0; i < names.size(); ++i)
-            QVERIFY2(QFileInfo::exists(home + QStringLiteral("/ran%1").arg(i)), names[i].constData());
+            QTRY_VERIFY2(QFileInfo::exists(home + QStringLiteral("/ran%1").arg(i)), names[i].constData());
         // QDir cannot name it to remove it with the folder.
         ::unlink((root + "/bad\xff\xfe utf8").constData());
     }
