@@ -153,10 +153,11 @@ std::optional<FolderCache> FolderCache::read(const QString &folder, const Deskto
     FolderCache cache;
     qint64 count = 0;
     in >> fileFolder;
-    readList(in, languages, lengthSize) && readList(in, desktops, lengthSize)
-        && readList(in, cache.directories, lengthSize) && readList(in, cache.directoryStamps, stampSize);
+    const bool listsRead = readList(in, languages, lengthSize) && readList(in, desktops, lengthSize)
+                           && readList(in, cache.directories, lengthSize)
+                           && readList(in, cache.directoryStamps, stampSize);
     in >> count;
-    if (in.status() != QDataStream::Ok || fileFolder != folder || languages != rules.languages
+    if (!listsRead || in.status() != QDataStream::Ok || fileFolder != folder || languages != rules.languages
         || desktops != rules.desktops || cache.directories.size() != cache.directoryStamps.size() || count < 0
         || count > file.size() / minimumRecordSize) {
         return std::nullopt;
@@ -174,7 +175,8 @@ std::optional<FolderCache> FolderCache::read(const QString &folder, const Deskto
         cache.files.append(std::move(entry));
     }
     in >> cache.path;
-    readList(in, cache.pathStamps, stampSize);
+    if (!readList(in, cache.pathStamps, stampSize))
+        return std::nullopt;
     quint32 programCount = 0;
     in >> programCount;
     if (in.status() != QDataStream::Ok || programCount > (file.size() - file.pos()) / (lengthSize + 1))
