@@ -32,12 +32,12 @@ private:
         return environment;
     }
 
-    Run runClient(const QStringList &arguments, const QString &token)
+    Run runClient(const QStringList &arguments, const Activation &activation = {})
     {
         QProcess quillon;
         auto environment = withoutDisplay();
-        environment.remove(QStringLiteral("DESKTOP_STARTUP_ID"));
-        environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), token);
+        environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), activation.token);
+        environment.insert(QStringLiteral("DESKTOP_STARTUP_ID"), activation.startupId);
         quillon.setProcessEnvironment(environment);
         // The instance answers from this event loop: wait in it.
         QSignalSpy finished(&quillon, &QProcess::finished);
@@ -59,7 +59,7 @@ private Q_SLOTS:
 
     void commandsReachTheRunningInstanceWithoutTheGuiToolkit()
     {
-        const Run alone = runClient({QStringLiteral("--toggle-search")}, {});
+        const Run alone = runClient({QStringLiteral("--toggle-search")});
         QCOMPARE(alone.exitCode, 1);
         QVERIFY2(alone.errors.contains(QStringLiteral("not running")), qPrintable(alone.errors));
 
@@ -67,20 +67,25 @@ private Q_SLOTS:
         QCOMPARE(instance.claim(), SingleInstance::Claim::Claimed);
         QSignalSpy received(&instance, &SingleInstance::commandReceived);
 
-        const std::pair<QStringList, InstanceCommand> cases[] = {
-            {{QStringLiteral("--toggle-search")}, InstanceCommand::ToggleSearch},
-            {{QStringLiteral("--menu")}, InstanceCommand::PopUpMenu},
-            {{QStringLiteral("--settings")}, InstanceCommand::ShowSettings},
-            {{}, InstanceCommand::Reopen},
+        // One started by a key binding hands its activation on, whatever
+        // characters the token holds; one started otherwise has none.
+        const Activation activation{QStringLiteral("wl token/1 ü"), QStringLiteral("launcher-1_TIME42")};
+        const struct {
+            QStringList arguments;
+            InstanceCommand command;
+            Activation activation;
+        } cases[] = {
+            {{QStringLiteral("--toggle-search")}, InstanceCommand::ToggleSearch, activation},
+            {{QStringLiteral("--menu")}, InstanceCommand::PopUpMenu, {}},
+            {{QStringLiteral("--settings")}, InstanceCommand::ShowSettings, {}},
+            {{}, InstanceCommand::Reopen, activation},
         };
-        for (const auto &[arguments, command] : cases) {
-            const Run run = runClient(arguments, QStringLiteral("token-%1").arg(enumToString(command)));
-            QCOMPARE(run.exitCode, 0);
+        for (const auto &c : cases) {
+            QCOMPARE(runClient(c.arguments, c.activation).exitCode, 0);
             QTRY_COMPARE(received.size(), 1);
             const auto arrived = received.takeFirst();
-            QCOMPARE(arrived.at(0).value<InstanceCommand>(), command);
-            // The activation read from the environment travels along.
-            QCOMPARE(arrived.at(1).value<Activation>().token, QStringLiteral("token-%1").arg(enumToString(command)));
+            QCOMPARE(arrived.at(0).value<InstanceCommand>(), c.command);
+            QCOMPARE(arrived.at(1).value<Activation>(), c.activation);
         }
     }
 
