@@ -12,6 +12,13 @@
 
 #include <glib.h>
 
+namespace {
+
+// Run as `test_instance --send COMMAND`, the test is the second `quillon`.
+const QString clientArgument = QStringLiteral("--send");
+
+} // namespace
+
 class TestInstance : public QObject
 {
     Q_OBJECT
@@ -27,8 +34,11 @@ private Q_SLOTS:
         QStandardPaths::setTestModeEnabled(false);
     }
 
-    // Every command arrives, in order. (Activations, and the real client,
-    // are test_client's.)
+    // Every command arrives in order with the activation it was sent with
+    // (a `quillon` started by a key binding hands its token on), and none is
+    // left over for the next. Over the bus the sender is another process, as
+    // it is in use; this is the full program's client, the light front's is
+    // test_client's.
     void commandsReachTheRunningInstance()
     {
         const bool onBus = QDBusConnection::sessionBus().isConnected();
@@ -41,23 +51,30 @@ private Q_SLOTS:
         SingleInstance first;
         QCOMPARE(first.claim(), SingleInstance::Claim::Claimed);
         QSignalSpy received(&first, &SingleInstance::commandReceived);
-        for (const auto command : allCases<InstanceCommand>()) {
+        const Activation activation{QStringLiteral("wl token/1 ü"), QStringLiteral("launcher-1_TIME42")};
+        QList<std::pair<InstanceCommand, Activation>> sent{{InstanceCommand::ToggleSearch, activation},
+                                                           {InstanceCommand::Reopen, activation}};
+        for (const auto command : allCases<InstanceCommand>())
+            sent.append({command, Activation()});
+        for (const auto &[command, with] : sent) {
             if (!onBus) {
-                QVERIFY(SingleInstance::send(command));
+                QVERIFY(SingleInstance::send(command, with));
                 continue;
             }
-            // Over the bus the caller is another process, as it is in use.
             QProcess client;
-            client.start(QStringLiteral("dbus-send"),
-                         {QStringLiteral("--session"), QStringLiteral("--type=method_call"),
-                          QStringLiteral("--dest=app.quillon.Quillon"), QStringLiteral("/app/quillon/Quillon"),
-                          QStringLiteral("app.quillon.Quillon.") + enumToString(command)});
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), with.token);
+            environment.insert(QStringLiteral("DESKTOP_STARTUP_ID"), with.startupId);
+            client.setProcessEnvironment(environment);
+            client.start(QCoreApplication::applicationFilePath(), {clientArgument, enumToString(command)});
             QTRY_COMPARE(client.state(), QProcess::NotRunning);
             QCOMPARE(client.exitCode(), 0);
         }
-        QTRY_COMPARE(received.count(), allCases<InstanceCommand>().size());
-        for (int i = 0; i < received.count(); ++i)
-            QCOMPARE(received.at(i).at(0).value<InstanceCommand>(), allCases<InstanceCommand>().at(i));
+        QTRY_COMPARE(received.count(), sent.size());
+        for (qsizetype i = 0; i < sent.size(); ++i) {
+            QCOMPARE(received.at(i).at(0).value<InstanceCommand>(), sent.at(i).first);
+            QCOMPARE(received.at(i).at(1).value<Activation>(), sent.at(i).second);
+        }
         received.clear();
 
         if (onBus) {
@@ -156,5 +173,15 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestInstance)
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList arguments = app.arguments();
+    if (arguments.size() == 3 && arguments.at(1) == clientArgument) {
+        const auto command = enumFromString<InstanceCommand>(arguments.at(2));
+        return command && SingleInstance::send(*command, Activation::fromEnvironment()) ? 0 : 1;
+    }
+    TestInstance test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "test_instance.moc"
