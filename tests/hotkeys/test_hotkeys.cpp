@@ -55,7 +55,7 @@ private Q_SLOTS:
         m_preferences.reset();
     }
 
-    void centresPersistReplaceAndRestore()
+    void centresPersistReplaceAndForget()
     {
         HotKeyCenter &search = m_centers->search();
         // A fresh install has nothing to restore.
@@ -79,11 +79,9 @@ private Q_SLOTS:
         QVERIFY(m_backend->grabs.empty());
         QVERIFY(!search.isRegistered());
         QCOMPARE(search.current()->keyCode, quint32(Qt::Key_J));
-    }
 
-    void clearForgetsEvenWhenNothingIsRegistered()
-    {
-        // Saved by hand, say by an earlier run that could not register it.
+        // Clear forgets even what is not registered: saved by hand, say by an
+        // earlier run that could not register it.
         m_preferences->setValue(QStringLiteral("MenuHotKeyKeyCode"), 32);
         m_preferences->setValue(QStringLiteral("MenuHotKeyModifiers"), 256);
         m_preferences->setValue(QStringLiteral("MenuHotKeyDisplay"), QStringLiteral("Super+Space"));
