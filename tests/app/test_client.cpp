@@ -8,9 +8,7 @@
 #include <QTest>
 
 // The real `quillon` started as a second process, while this test is the
-// running instance. It is given a platform plugin that does not exist: a
-// client that loaded the GUI toolkit would abort instead of passing the
-// command on.
+// running instance.
 class TestClient : public QObject
 {
     Q_OBJECT
@@ -23,18 +21,23 @@ private:
         QString errors;
     };
 
-    Run runClient(const QStringList &arguments, const QString &token = {})
+    // No display and a platform plugin that does not exist, so that only a
+    // client that never loads the GUI toolkit gets through.
+    static QProcessEnvironment withoutDisplay(const QString &platform = QStringLiteral("nonexistent-plugin"))
     {
-        QProcess quillon;
         auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nonexistent-plugin"));
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
         environment.remove(QStringLiteral("DISPLAY"));
         environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        environment.remove(QStringLiteral("DESKTOP_STARTUP_ID"));
-        if (token.isEmpty())
-            environment.remove(QStringLiteral("XDG_ACTIVATION_TOKEN"));
-        else
-            environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), token);
+        return environment;
+    }
+
+    Run runClient(const QStringList &arguments, const Activation &activation = {})
+    {
+        QProcess quillon;
+        auto environment = withoutDisplay();
+        environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), activation.token);
+        environment.insert(QStringLiteral("DESKTOP_STARTUP_ID"), activation.startupId);
         quillon.setProcessEnvironment(environment);
         // The instance answers from this event loop: wait in it.
         QSignalSpy finished(&quillon, &QProcess::finished);
@@ -56,32 +59,34 @@ private Q_SLOTS:
 
     void commandsReachTheRunningInstanceWithoutTheGuiToolkit()
     {
+        const Run alone = runClient({QStringLiteral("--toggle-search")});
+        QCOMPARE(alone.exitCode, 1);
+        QVERIFY2(alone.errors.contains(QStringLiteral("not running")), qPrintable(alone.errors));
+
         SingleInstance instance;
         QCOMPARE(instance.claim(), SingleInstance::Claim::Claimed);
         QSignalSpy received(&instance, &SingleInstance::commandReceived);
 
-        const std::pair<QStringList, InstanceCommand> cases[] = {
-            {{QStringLiteral("--toggle-search")}, InstanceCommand::ToggleSearch},
-            {{QStringLiteral("--menu")}, InstanceCommand::PopUpMenu},
-            {{QStringLiteral("--settings")}, InstanceCommand::ShowSettings},
-            {{}, InstanceCommand::Reopen},
+        // One started by a key binding hands its activation on, whatever
+        // characters the token holds; one started otherwise has none.
+        const Activation activation{QStringLiteral("wl token/1 ü"), QStringLiteral("launcher-1_TIME42")};
+        const struct {
+            QStringList arguments;
+            InstanceCommand command;
+            Activation activation;
+        } cases[] = {
+            {{QStringLiteral("--toggle-search")}, InstanceCommand::ToggleSearch, activation},
+            {{QStringLiteral("--menu")}, InstanceCommand::PopUpMenu, {}},
+            {{QStringLiteral("--settings")}, InstanceCommand::ShowSettings, {}},
+            {{}, InstanceCommand::Reopen, activation},
         };
-        for (const auto &[arguments, command] : cases) {
-            const Run run = runClient(arguments, QStringLiteral("token-%1").arg(enumToString(command)));
-            QCOMPARE(run.exitCode, 0);
+        for (const auto &c : cases) {
+            QCOMPARE(runClient(c.arguments, c.activation).exitCode, 0);
             QTRY_COMPARE(received.size(), 1);
             const auto arrived = received.takeFirst();
-            QCOMPARE(arrived.at(0).value<InstanceCommand>(), command);
-            // The activation read from the environment travels along.
-            QCOMPARE(arrived.at(1).value<Activation>().token, QStringLiteral("token-%1").arg(enumToString(command)));
+            QCOMPARE(arrived.at(0).value<InstanceCommand>(), c.command);
+            QCOMPARE(arrived.at(1).value<Activation>(), c.activation);
         }
-    }
-
-    void commandWithoutInstanceFailsWithoutTheGuiToolkit()
-    {
-        const Run run = runClient({QStringLiteral("--toggle-search")});
-        QCOMPARE(run.exitCode, 1);
-        QVERIFY2(run.errors.contains(QStringLiteral("not running")), qPrintable(run.errors));
     }
 
     // At login the panel may take seconds to offer a tray; the keys must not
@@ -90,15 +95,11 @@ private Q_SLOTS:
     {
         if (!QDBusConnection::sessionBus().isConnected())
             QSKIP("the instance is started on the private bus only");
-        QTemporaryDir home;
         QProcess quillon;
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        auto environment = withoutDisplay(QStringLiteral("offscreen"));
         environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("quillon.*=true"));
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
-        environment.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
-        environment.remove(QStringLiteral("DISPLAY"));
-        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_runtime.filePath(QStringLiteral("config")));
+        environment.insert(QStringLiteral("XDG_DATA_HOME"), m_runtime.filePath(QStringLiteral("data")));
         quillon.setProcessEnvironment(environment);
         quillon.start(QStringLiteral(QUILLON_BINARY), {QStringLiteral("--autostart")});
         QString log;

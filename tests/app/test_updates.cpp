@@ -33,18 +33,16 @@ QByteArray feed(const QStringList &versions)
     return xml + "</channel></rss>";
 }
 
-// An Ed25519 key pair made for the test, signing as a feed's publisher would.
+// An Ed25519 key made from a fixed seed, signing as a feed's publisher would.
 class SigningKey
 {
 public:
-    SigningKey()
+    explicit SigningKey(char seed)
+        : m_key(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr,
+                                             reinterpret_cast<const unsigned char *>(QByteArray(32, seed).constData()),
+                                             32),
+                EVP_PKEY_free)
     {
-        EVP_PKEY_CTX *context = EVP_PKEY_CTX_new_id(EVP_PKEY_ED25519, nullptr);
-        EVP_PKEY *key = nullptr;
-        if (EVP_PKEY_keygen_init(context) == 1)
-            EVP_PKEY_keygen(context, &key);
-        EVP_PKEY_CTX_free(context);
-        m_key.reset(key);
     }
 
     QByteArray publicKeyBase64() const
@@ -68,7 +66,7 @@ public:
     }
 
 private:
-    std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> m_key{nullptr, EVP_PKEY_free};
+    std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> m_key;
 };
 
 UpdateCheckResult checkOnce(UpdateChecker &checker)
@@ -78,6 +76,25 @@ UpdateCheckResult checkOnce(UpdateChecker &checker)
     if (finished.isEmpty() && !finished.wait(5000))
         return CheckFailed{QStringLiteral("(no answer)")};
     return finished.first().first().value<UpdateCheckResult>();
+}
+
+// The user's own check, as the menu starts it.
+UpdateCheckResult userCheck(Updates &updates)
+{
+    QSignalSpy finished(&updates, &Updates::userCheckFinished);
+    updates.checkForUpdates();
+    if (finished.isEmpty() && !finished.wait(5000))
+        return CheckFailed{QStringLiteral("(no answer)")};
+    return finished.first().first().value<UpdateCheckResult>();
+}
+
+QPushButton *buttonNamed(const QWidget &window, const QString &text)
+{
+    for (auto *button : window.findChildren<QPushButton *>()) {
+        if (button->text() == text)
+            return button;
+    }
+    return nullptr;
 }
 
 QString failure(const UpdateCheckResult &result)
@@ -122,8 +139,8 @@ private Q_SLOTS:
     }
 
     // A feed is fetched only over https (http only from this machine), read
-    // only up to its limit, opens only web links, and, with a key, counts
-    // only when its signature matches.
+    // only up to its limit, and, with a key, counts only when its signature
+    // matches.
     void aFeedIsBelievedOnlyWithinItsRules()
     {
         for (const char *insecure : {"http://quillon.app/appcast.xml", "http://127.0.0.1.quillon.app/appcast.xml"}) {
@@ -139,37 +156,9 @@ private Q_SLOTS:
         QVERIFY2(tooLarge.contains(QLatin1String("larger than 1 MB")), qPrintable(tooLarge));
         server.endless = false;
 
-        // Links that are not web pages are dropped, from the item and from
-        // the notes; the notes load nothing from this machine.
-        QByteArray xml = feed({QStringLiteral("9.0")});
-        xml.replace("https://quillon.app/download/quillon-9.0.tar.gz", "javascript:alert(1)");
-        xml.replace("https://quillon.app/notes/9.0", "file:///etc/passwd");
-        xml.replace("</title><description>", "</title><link>https://quillon.app/9.0</link><description>");
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("dropped the link \"javascript:")));
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("dropped the link \"file:")));
-        AppcastItem item = parseAppcast(xml).value().first();
-        QVERIFY(item.downloadURL.isEmpty() && item.releaseNotesURL.isEmpty());
-        QCOMPARE(item.infoURL, QUrl(QStringLiteral("https://quillon.app/9.0")));
-
-        QFile secret(m_dir.filePath(QStringLiteral("secret.png")));
-        QVERIFY(secret.open(QIODevice::WriteOnly) && secret.write("secret") == 6);
-        secret.close();
-        const QUrl secretURL = QUrl::fromLocalFile(secret.fileName());
-        item.description =
-            QStringLiteral("<img src=\"%1\"><a href=\"file:///etc/passwd\">x</a>").arg(secretURL.toString());
-        QList<QUrl> opened;
-        UpdateWindow window(QStringLiteral("0.1.0"), [&](const QUrl &url) { opened.append(url); });
-        window.showResult(UpdateFound{item});
-        auto *notes = window.findChild<QTextBrowser *>();
-        QVERIFY(notes->document()->resource(QTextDocument::ImageResource, secretURL).toByteArray().isEmpty());
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Did not open \"file:///etc/passwd\"")));
-        Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("file:///etc/passwd")));
-        Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("https://quillon.app/notes")));
-        QCOMPARE(opened, QList{QUrl(QStringLiteral("https://quillon.app/notes"))});
-
         // Signed feeds.
-        const SigningKey publisher;
-        const SigningKey stranger;
+        const SigningKey publisher('p');
+        const SigningKey stranger('s');
         QVERIFY(!FeedVerifier::fromBase64Key(publisher.publicKeyBase64().left(40) + "==="));
         server.body = feed({QStringLiteral("9.0")});
         const struct {
@@ -195,83 +184,53 @@ private Q_SLOTS:
         server.signature.clear();
         Preferences preferences(prefsPath());
         Updates updates(preferences, server.url(), QStringLiteral("0.1.0"), publisher.publicKeyBase64());
-        QSignalSpy finished(&updates, &Updates::userCheckFinished);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Update check failed: .*signature")));
-        updates.checkForUpdates();
-        QTRY_COMPARE(finished.count(), 1);
-        QVERIFY(std::holds_alternative<CheckFailed>(finished.first().first().value<UpdateCheckResult>()));
+        QVERIFY(std::holds_alternative<CheckFailed>(userCheck(updates)));
     }
 
-    void aScheduledCheckRaisesTheFlagAndTheUsersCheckClearsIt()
+    // The schedule asks at most once a day, only when allowed, and only
+    // raises the flag; the user's own check reports what it found and clears
+    // the flag; a failed check counts as none.
+    void theScheduleRaisesTheFlagAndTheUsersCheckReports()
     {
         FeedServer server;
         server.body = feed({QStringLiteral("0.1.0"), QStringLiteral("9.0")});
         Preferences preferences(prefsPath());
         Updates updates(preferences, server.url(), QStringLiteral("0.1.0"));
-        QVERIFY(updates.isConfigured());
-        QVERIFY(updates.automaticallyChecksForUpdates());
         QSignalSpy pending(&updates, &Updates::hasPendingUpdateChanged);
 
         updates.setScheduleTick(20);
         QTRY_VERIFY(updates.hasPendingUpdate());
         QCOMPARE(updates.pendingUpdate()->version, QStringLiteral("9.0"));
         QVERIFY(updates.lastCheckTime().isValid());
-        // A day has not passed: the schedule does not ask again.
         QTest::qWait(100);
         QCOMPARE(server.requests, 1);
 
-        QSignalSpy finished(&updates, &Updates::userCheckFinished);
-        updates.checkForUpdates();
-        QVERIFY(!updates.hasPendingUpdate());
-        QTRY_COMPARE(finished.count(), 1);
-        QVERIFY(std::holds_alternative<UpdateFound>(finished.first().first().value<UpdateCheckResult>()));
+        QVERIFY(std::holds_alternative<UpdateFound>(userCheck(updates)));
         QVERIFY(!updates.hasPendingUpdate());
         QCOMPARE(pending.count(), 2);
-    }
 
-    void quietCases()
-    {
-        FeedServer server;
+        // Turned off, and remembered so: the schedule stays away.
+        Preferences off(prefsPath() + QStringLiteral(".off"));
+        Updates(off, server.url(), QStringLiteral("0.1.0")).setAutomaticallyChecksForUpdates(false);
+        Updates quiet(off, server.url(), QStringLiteral("0.1.0"));
+        quiet.runScheduledCheckIfDue();
+        QTest::qWait(100);
+        QCOMPARE(server.requests, 2);
+        // The user may still ask; a broken feed is reported and tried again later.
+        server.status = 404;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Update check failed: ")));
+        QVERIFY(std::holds_alternative<CheckFailed>(userCheck(quiet)));
+        QVERIFY(!quiet.lastCheckTime().isValid());
+        // Up to date counts as a check.
+        server.status = 200;
         server.body = feed({QStringLiteral("0.1.0")});
-        {
-            // Up to date: nothing to flag.
-            Preferences preferences(prefsPath() + QStringLiteral(".a"));
-            Updates updates(preferences, server.url(), QStringLiteral("0.1.0"));
-            updates.runScheduledCheckIfDue();
-            QTRY_COMPARE(server.requests, 1);
-            QTRY_VERIFY(updates.lastCheckTime().isValid());
-            QVERIFY(!updates.hasPendingUpdate());
-        }
-        {
-            // Turned off: the schedule stays away from the network.
-            Preferences preferences(prefsPath() + QStringLiteral(".b"));
-            Updates updates(preferences, server.url(), QStringLiteral("0.1.0"));
-            updates.setAutomaticallyChecksForUpdates(false);
-            QVERIFY(!Updates(preferences, server.url(), QStringLiteral("0.1.0")).automaticallyChecksForUpdates());
-            updates.runScheduledCheckIfDue();
-            QTest::qWait(100);
-            QCOMPARE(server.requests, 1);
-        }
-        {
-            // A broken feed is reported to the user and tried again later.
-            server.status = 404;
-            Preferences preferences(prefsPath() + QStringLiteral(".c"));
-            Updates updates(preferences, server.url(), QStringLiteral("0.1.0"));
-            QSignalSpy finished(&updates, &Updates::userCheckFinished);
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Update check failed: ")));
-            updates.checkForUpdates();
-            QTRY_COMPARE(finished.count(), 1);
-            QVERIFY(std::holds_alternative<CheckFailed>(finished.first().first().value<UpdateCheckResult>()));
-            QVERIFY(!updates.lastCheckTime().isValid());
-        }
-        {
-            Preferences preferences(prefsPath() + QStringLiteral(".d"));
-            Updates updates(preferences, QUrl(), QStringLiteral("0.1.0"));
-            QVERIFY(!updates.isConfigured());
-            QSignalSpy finished(&updates, &Updates::userCheckFinished);
-            updates.checkForUpdates();
-            QCOMPARE(finished.count(), 1);
-        }
+        QVERIFY(std::holds_alternative<UpToDate>(userCheck(quiet)));
+        QVERIFY(quiet.lastCheckTime().isValid());
+
+        Updates unconfigured(off, QUrl(), QStringLiteral("0.1.0"));
+        QVERIFY(!unconfigured.isConfigured());
+        QVERIFY(std::holds_alternative<CheckFailed>(userCheck(unconfigured)));
     }
 
     // Cancel ends the check: a late answer opens no window, and the next
@@ -291,11 +250,7 @@ private Q_SLOTS:
 
         updates.checkForUpdates();
         QTRY_COMPARE(server.requests, 1);
-        QPushButton *cancel = nullptr;
-        for (auto *button : window.findChildren<QPushButton *>()) {
-            if (button->text() == QLatin1String("Cancel"))
-                cancel = button;
-        }
+        QPushButton *cancel = buttonNamed(window, QStringLiteral("Cancel"));
         QVERIFY(cancel && cancel->isVisible());
         cancel->click();
         QVERIFY(!window.isVisible());
@@ -312,31 +267,44 @@ private Q_SLOTS:
         QCOMPARE(window.headline(), QStringLiteral("Quillon 9.0 beta is available"));
     }
 
-    void theWindowSaysWhatWasFound()
+    // Everything in the feed is someone else's: links that are not web
+    // pages are dropped, from the item and from the notes, and the notes
+    // load nothing from this machine.
+    void theWindowOpensOnlyWebLinks()
     {
+        QByteArray xml = feed({QStringLiteral("9.0")});
+        xml.replace("https://quillon.app/download/quillon-9.0.tar.gz", "javascript:alert(1)");
+        xml.replace("https://quillon.app/notes/9.0", "file:///etc/passwd");
+        xml.replace("</title><description>", "</title><link>https://quillon.app/9.0</link><description>");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("dropped the link \"javascript:")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("dropped the link \"file:")));
+        AppcastItem item = parseAppcast(xml).value().first();
+        QVERIFY(item.downloadURL.isEmpty() && item.releaseNotesURL.isEmpty());
+        QCOMPARE(item.infoURL, QUrl(QStringLiteral("https://quillon.app/9.0")));
+
+        // Any file of this machine will do, such as this test itself.
+        const QUrl secretURL = QUrl::fromLocalFile(QCoreApplication::applicationFilePath());
+        item.description =
+            QStringLiteral("<img src=\"%1\"><a href=\"file:///etc/passwd\">x</a>").arg(secretURL.toString());
         QList<QUrl> opened;
         UpdateWindow window(QStringLiteral("0.1.0"), [&](const QUrl &url) { opened.append(url); });
-        window.showChecking();
-        QCOMPARE(window.headline(), QStringLiteral("Checking for updates…"));
+        window.showResult(UpdateFound{item});
+        auto *notes = window.findChild<QTextBrowser *>();
+        QVERIFY(notes->document()->resource(QTextDocument::ImageResource, secretURL).toByteArray().isEmpty());
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Did not open \"file:///etc/passwd\"")));
+        Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("file:///etc/passwd")));
+        Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("https://quillon.app/notes")));
+        QCOMPARE(opened, QList{QUrl(QStringLiteral("https://quillon.app/notes"))});
+        // With no download link left, Download opens the release's page.
+        QPushButton *download = buttonNamed(window, QStringLiteral("Download"));
+        QVERIFY(download && download->isVisible());
+        download->click();
+        QCOMPARE(opened.last(), item.infoURL);
+
         window.showResult(UpToDate{});
         QCOMPARE(window.headline(), QStringLiteral("You’re up to date!"));
         window.showResult(CheckFailed{QStringLiteral("Host not found")});
         QCOMPARE(window.headline(), QStringLiteral("Update check failed"));
-
-        AppcastItem item;
-        item.version = QStringLiteral("9.0");
-        item.shortVersion = QStringLiteral("9.0");
-        item.infoURL = QUrl(QStringLiteral("https://quillon.app/releases/9.0"));
-        window.showResult(UpdateFound{item});
-        QCOMPARE(window.headline(), QStringLiteral("Quillon 9.0 is available"));
-        QPushButton *download = nullptr;
-        for (auto *button : window.findChildren<QPushButton *>()) {
-            if (button->text() == QLatin1String("Download"))
-                download = button;
-        }
-        QVERIFY(download && download->isVisible());
-        download->click();
-        QCOMPARE(opened, QList{item.infoURL});
     }
 };
 

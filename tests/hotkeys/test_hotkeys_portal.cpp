@@ -99,29 +99,17 @@ public:
                                .arg(sender, options.value(QStringLiteral("session_handle_token")).toString()));
         } else if (member == QLatin1String("BindShortcuts")) {
             Bound bound{message.arguments().value(0).value<QDBusObjectPath>().path(), {}};
-            const QDBusArgument list = message.arguments().value(1).value<QDBusArgument>();
-            list.beginArray();
-            while (!list.atEnd()) {
-                QString id;
-                QVariantMap properties;
-                list.beginStructure();
-                list >> id >> properties;
-                list.endStructure();
-                bound.shortcuts.insert(id, properties);
+            QList<PortalEntry> granted;
+            for (const PortalEntry &entry : qdbus_cast<QList<PortalEntry>>(message.arguments().value(1))) {
+                bound.shortcuts.insert(entry.id, entry.properties);
+                if (grants && !grants->contains(entry.id))
+                    continue;
+                const QString trigger = entry.properties.value(QStringLiteral("preferred_trigger")).toString();
+                granted.append(
+                    {entry.id, {{QStringLiteral("trigger_description"), QStringLiteral("Press ") + trigger}}});
             }
-            list.endArray();
             binds.append(bound);
             options = qdbus_cast<QVariantMap>(message.arguments().value(3));
-            QDBusArgument granted;
-            granted.beginArray(QMetaType::fromType<PortalEntry>());
-            for (auto it = bound.shortcuts.cbegin(); it != bound.shortcuts.cend(); ++it) {
-                if (grants && !grants->contains(it.key()))
-                    continue;
-                const QString trigger = it.value().value(QStringLiteral("preferred_trigger")).toString();
-                granted << PortalEntry{it.key(),
-                                       {{QStringLiteral("trigger_description"), QStringLiteral("Press ") + trigger}}};
-            }
-            granted.endArray();
             results.insert(QStringLiteral("shortcuts"), QVariant::fromValue(granted));
         } else {
             return false;
@@ -158,6 +146,7 @@ private Q_SLOTS:
     {
         QVERIFY(QDBusConnection::sessionBus().isConnected());
         qDBusRegisterMetaType<PortalEntry>();
+        qDBusRegisterMetaType<QList<PortalEntry>>();
         m_preferences = std::make_unique<Preferences>(m_dir.filePath(QStringLiteral("Quillon.conf")));
     }
 
@@ -202,6 +191,18 @@ private Q_SLOTS:
         QTest::qWait(100);
         QCOMPARE(searches, 1);
 
+        // What the portal did not bind failed: it may bind only some, or
+        // (Plasma 5.27, for a program without an application id) none while
+        // answering "done".
+        portal.grants = QStringList{QStringLiteral("hotkey-2")};
+        QVERIFY(centers.search().registerHotKey(Qt::Key_K, ctrlAlt, QStringLiteral("Ctrl+Alt+K")));
+        QTRY_COMPARE(centers.search().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
+        QVERIFY(centers.search().needsDesktopRoute());
+        QCOMPARE(centers.menu().status(), HotKeyStatus(HotKeyBound{QStringLiteral("Press LOGO+m")}));
+        portal.grants = QStringList{};
+        QVERIFY(centers.menu().registerHotKey(Qt::Key_N, HotKeyModifier::Super, QStringLiteral("Super+N")));
+        QTRY_COMPARE(centers.menu().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
+
         centers.search().clear();
         centers.menu().clear();
     }
@@ -241,26 +242,6 @@ private Q_SLOTS:
         QCOMPARE(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, {}),
                  HotKeyRegistration{HotKeyRefusal::Unavailable});
         QVERIFY(portal.binds.isEmpty());
-        centers.menu().clear();
-    }
-
-    // Plasma 5.27 answers "done" with no shortcuts for a program without an
-    // application id; a portal may also bind only some of them.
-    void emptyOrPartialAnswersAreFailures()
-    {
-        FakePortal portal(true);
-        PortalHotKeys backend;
-        HotKeyCenters centers(*m_preferences, backend);
-        portal.grants = QStringList{};
-        QVERIFY(centers.search().registerHotKey(Qt::Key_Space, ctrlAlt, QStringLiteral("Ctrl+Alt+Space")));
-        QTRY_COMPARE(centers.search().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
-        QVERIFY(centers.search().needsDesktopRoute());
-
-        portal.grants = QStringList{QStringLiteral("hotkey-2")};
-        QVERIFY(centers.menu().registerHotKey(Qt::Key_M, HotKeyModifier::Super, QStringLiteral("Super+M")));
-        QTRY_COMPARE(centers.menu().status(), HotKeyStatus(HotKeyBound{QStringLiteral("Press LOGO+m")}));
-        QCOMPARE(centers.search().status(), HotKeyStatus(HotKeyRefusal::Unavailable));
-        centers.search().clear();
         centers.menu().clear();
     }
 };
